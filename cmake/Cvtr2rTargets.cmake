@@ -1,0 +1,18 @@
+# How every target of the project is built: warnings, sanitizers, and what the library's folders may use.
+
+add_library(cvtr2r_options INTERFACE)
+target_include_directories(cvtr2r_options INTERFACE ${PROJECT_SOURCE_DIR})
+target_compile_options(cvtr2r_options INTERFACE -Wall -Wextra -Wshadow -Wconversion -Wsign-conversion -Wpedantic
+                                                $<$<BOOL:${CVTR2R_STRICT}>:-Werror>)
+if(CVTR2R_SANITIZE)
+  add_compile_options(-fsanitize=${CVTR2R_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=${CVTR2R_SANITIZE})
+endif()
+
+# A folder of the library: sees include/ and its fellow folders' headers, no exceptions, no run-time types.
+function(cvtr2r_folder name)
+  add_library(cvtr2r_${name} OBJECT ${ARGN})
+  target_link_libraries(cvtr2r_${name} PUBLIC cvtr2r_headers PRIVATE cvtr2r_options)
+  target_compile_options(cvtr2r_${name} PRIVATE -fno-exceptions -fno-rtti -fvisibility=hidden)
+  set_property(GLOBAL APPEND PROPERTY CVTR2R_FOLDERS cvtr2r_${name})
+endfunction()

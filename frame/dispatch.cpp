@@ -1,0 +1,61 @@
+// The library's entry: one step of the chain for one band.
+
+#include <initializer_list>
+
+#include "cvt/cvtr2r.h"
+#include "frame/decision.h"
+#include "frame/layout.h"
+
+namespace cvt {
+namespace {
+
+// Hands a band that needs nothing more to the next stage. The operation list is read afresh for every
+// comparison: hosts count on the number of reads.
+CvtStatus PassThrough(tagRasterPacked* band, tagIGFD* source, tagIGFD* destination, tagCRLA* context) {
+  if (IsPlanes(*destination) || IsPacked(*destination)) CvtAssignRasterStatus(band, source, 2);
+  PutBand(context->next->rasterSlot, band);
+  if (const CvtStatus status = CvtExecuteNextFunction(context->next); status != kCvtOk) return status;
+  for (const CvtStatus full : {kSioListClosed, kSioListFull, kSioListNoMemory})
+    if (SioGetOpError(destination->opList) == full) return kCvtNextStageFull;
+  return SioGetOpError(destination->opList);
+}
+
+// The slot as the routines for plane bands take it.
+tagRasterPlane** AsPlanes(tagRasterPacked** band) { return reinterpret_cast<tagRasterPlane**>(band); }
+
+CvtStatus Perform(Step step, tagRasterPacked** band, tagIGFD* source, tagIGFD* destination, tagCRLA* context) {
+  tagRasterPlane** planes = AsPlanes(band);
+  switch (step) {
+    case Step::Relabel:
+      return Cvt1Bit1Byte(band, source, destination, context);
+    case Step::NearestBitByte:
+      return CvtBitByte(planes, source, destination, context);
+    case Step::NearestByteBit:
+      return CvtByteBit(band, source, destination, context);
+    case Step::NearestBitBit:
+      return CvtBitBit(planes, source, destination, context);
+    case Step::NearestByteByte:
+      return CvtByteByte(band, source, destination, context);
+    case Step::MonoDiffusionBitByte:
+      return CvtMonochromeDiffusionBitByte(planes, source, destination, context);
+    case Step::MonoDiffusionByteBit:
+      return CvtMonochromeDiffusionByteBit(band, source, destination, context);
+    case Step::MonoDiffusionBitBit:
+      return CvtMonochromeDiffusionBitBit(planes, source, destination, context);
+    case Step::MonoDiffusionByteByte:
+      return CvtMonochromeDiffusionByteByte(band, source, destination, context);
+    case Step::PassThrough:
+      return PassThrough(BandAt<tagRasterPacked>(band), source, destination, context);
+    default:
+      return kCvtNoRoutine;
+  }
+}
+
+}  // namespace
+}  // namespace cvt
+
+CvtStatus CVT_CALL Cvtr2r(tagRasterPacked** band, tagIGFD* source, tagIGFD* destination, tagCRLA* context) {
+  if (source->progressProc(source->progressData) != 0) return kCvtStopped;
+  if (cvt::BandAt<tagRasterPacked>(band)->lineCount == 0) return kCvtOk;
+  return cvt::Perform(cvt::Decide(*source, *destination, *context), band, source, destination, context);
+}

@@ -1,0 +1,54 @@
+// How a band's lines are shared out among the sub-bands of its output.
+#pragma once
+
+#include <cstdint>
+
+#include "frame/ints.h"
+
+namespace cvt {
+
+// All sub-bands but the last have `lines` lines, the last takes the rest.
+struct SubBands {
+  std::uint32_t count;
+  std::uint32_t lines;
+};
+
+constexpr std::uint32_t FirstLineOf(SubBands parts, std::uint32_t index) { return index * parts.lines; }
+
+constexpr std::uint32_t LinesOf(SubBands parts, std::uint32_t index, std::uint32_t bandLines) {
+  return index + 1 == parts.count ? bandLines - FirstLineOf(parts, index) : parts.lines;
+}
+
+// Palette and halftone output: as many sub-bands as the output is deeper, one more for a remainder. With
+// fewer lines than sub-bands all but the last are empty; the pipeline passes those over.
+constexpr SubBands SplitByDepth(std::uint32_t bandLines, std::uint32_t outBits, std::uint32_t inBits) {
+  const std::uint32_t count = CeilDiv(outBits, inBits);
+  if (count == 0) return {0, 0};
+  const std::uint32_t lines = bandLines / count;
+  return {lines * count == bandLines ? count : count + 1, lines};
+}
+
+// Direct-colour output: as by depth, then more and smaller sub-bands until the last is no larger than the
+// others. Where that does not work out, every line gets a sub-band of its own.
+constexpr SubBands SplitEvenly(std::uint32_t bandLines, std::uint32_t outBits, std::uint32_t inBits) {
+  SubBands parts{CeilDiv(outBits, inBits), 1};
+  if (parts.count == 0) return {0, 0};
+  if (bandLines % parts.count != 0) ++parts.count;
+  if (bandLines >= parts.count) parts.lines = bandLines / parts.count;
+  while (parts.lines < bandLines - FirstLineOf(parts, parts.count - 1)) {  // unsigned: less than none is many
+    ++parts.count;
+    parts.lines = bandLines / parts.count;
+    if (parts.lines == 0) return {bandLines, 1};
+  }
+  return parts;
+}
+
+static_assert(SplitEvenly(10, 4, 1).count == 5 && SplitEvenly(10, 4, 1).lines == 2);
+static_assert(SplitEvenly(7, 16, 8).count == 7 && SplitEvenly(7, 16, 8).lines == 1);
+static_assert(SplitEvenly(10, 32, 3).count == 10 && SplitEvenly(0, 8, 4).count == 0);
+
+static_assert(SplitByDepth(10, 8, 4).count == 2 && SplitByDepth(10, 8, 4).lines == 5);
+static_assert(SplitByDepth(10, 3, 1).count == 4 && LinesOf(SplitByDepth(10, 3, 1), 3, 10) == 1);
+static_assert(SplitByDepth(2, 4, 1).count == 5 && LinesOf(SplitByDepth(2, 4, 1), 4, 2) == 2);
+
+}  // namespace cvt
