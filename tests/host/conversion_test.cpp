@@ -1,0 +1,208 @@
+// Setting up conversions: what the context holds, what is refused, and that nothing is left behind.
+
+#include "host/conversion.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <vector>
+
+#include "host/heap.h"
+#include "host/op_list.h"
+
+namespace cvt::host {
+namespace {
+
+using Colors = std::vector<IRGB>;
+
+std::int16_t CVT_CALL GoOn(std::uint32_t) { return 0; }
+
+std::int16_t NoteBand(void* user, tagRasterPacked* band) {
+  *static_cast<tagRasterPacked**>(user) = band;
+  return band->lineCount == 99 ? -77 : 0;
+}
+
+tagIGFD Image(Colors& colors, std::uint8_t bits, std::uint8_t flags = kIndexedColor) {
+  tagIGFD image{};
+  image.progressProc = GoOn;
+  image.rasterKind = kPackedKind;
+  image.imageWidth = 9;
+  image.imageHeight = 1;
+  image.bitsPerPixel = bits;
+  image.colorFlags = flags;
+  image.palette = colors.data();
+  return image;
+}
+
+Colors blackWhite = {{0, 0, 0}, {255, 255, 255}}, whiteBlack = {{255, 255, 255}, {0, 0, 0}},
+       redYellow = {{200, 0, 0}, {255, 255, 0}}, colorful = {{0, 0, 0}, {255, 0, 0}, {0, 255, 0}, {9, 9, 9}},
+       shuffled = {{255, 0, 0}, {0, 0, 0}, {0, 255, 0}, {9, 9, 9}};
+
+ConversionSetup SetupOf(const tagIGFD& source, const tagIGFD& destination) {
+  ConversionSetup setup;
+  setup.source = &source;
+  setup.destination = &destination;
+  setup.lineCapacity = 100;
+  setup.next = NoteBand;
+  return setup;
+}
+
+TEST(Conversion, SetsEveryFieldThatCvtr2rReads) {
+  const tagIGFD source = Image(colorful, 2), destination = Image(shuffled, 2);
+  ConversionSetup setup = SetupOf(source, destination);
+  setup.bandLimit = 4321;
+  setup.halftoneMethod = kDiffusion;
+  tagCRLA* context = OpenConversion(setup);
+  ASSERT_NE(context, nullptr);
+  EXPECT_TRUE(context->runCount == 100 && context->convertProc == &Cvtr2r && context->gammaActive == 0);
+  EXPECT_TRUE(context->ownedBuffer1 == nullptr && context->ownedBuffer2 == nullptr);
+  EXPECT_EQ(context->halftoneMethod, kDiffusion);
+  EXPECT_TRUE((*context->next->stage)->bandLimit == 4321);
+  const std::int16_t* errors = context->errorRow;
+  ASSERT_GE(SioSizeSMem(context->errorRow), 3U * 100 * 2);
+  EXPECT_EQ(std::count(errors, errors + 300, 0), 300);
+
+  const std::uint32_t indices[] = {0, 1, 2, 3};
+  std::memcpy(context->values, indices, sizeof indices);
+  context->runCount = 3;
+  CvtSnap(context);
+  const std::uint32_t snapped[] = {1, 0, 2, 3};  // the fourth is no run and stays
+  EXPECT_EQ(std::memcmp(context->values, snapped, sizeof snapped), 0);
+  CloseConversion(context);
+}
+
+TEST(Conversion, TellsWhetherColorsAgreeAndAreGray) {
+  const struct {
+    const char* what;
+    Colors& from;
+    std::uint8_t fromBits, fromFlags;
+    Colors& to;
+    std::uint8_t toBits, toFlags;
+    int same, gray;
+  } cases[] = {
+      {"the same colors", colorful, 2, kIndexedColor, colorful, 2, kIndexedColor, 1, 0},
+      {"the same in another order", colorful, 2, kIndexedColor, shuffled, 2, kIndexedColor, 0, 0},
+      {"another depth", colorful, 1, kIndexedColor, colorful, 2, kIndexedColor, 0, 0},
+      {"direct into palette", colorful, 24, 0, colorful, 2, kIndexedColor, 0, 0},
+      {"direct into direct", colorful, 24, 0, colorful, 24, 0, 1, 0},
+      {"black and white", blackWhite, 1, kIndexedColor, blackWhite, 1, kIndexedColor, 1, 1},
+      {"swapped", blackWhite, 1, kIndexedColor, whiteBlack, 1, kIndexedColor, 0, 1},
+      {"dark and light in the same order", redYellow, 1, kIndexedColor, blackWhite, 1, kIndexedColor, 1, 1}};
+  for (const auto& c : cases) {
+    const tagIGFD source = Image(c.from, c.fromBits, c.fromFlags), destination = Image(c.to, c.toBits, c.toFlags);
+    tagCRLA* context = OpenConversion(SetupOf(source, destination));
+    ASSERT_NE(context, nullptr) << c.what;
+    EXPECT_EQ(context->sameColorMap, c.same) << c.what;
+    EXPECT_EQ(context->grayPalette, c.gray) << c.what;
+    CloseConversion(context);
+  }
+}
+
+TEST(Conversion, AppliesItsToneCurveToDirectColor) {
+  const tagIGFD source = Image(colorful, 24, 0), destination = Image(colorful, 2);
+  ConversionSetup setup = SetupOf(source, destination);
+  setup.gamma = 2.0;
+  tagCRLA* context = OpenConversion(setup);
+  ASSERT_NE(context, nullptr);
+  EXPECT_TRUE(context->gammaActive != 0);
+  IRGB color{64, 255, 1};
+  CvtAdjustGammaValue(context, &color);
+  EXPECT_TRUE(color.red == 128 && color.green == 255 && color.blue == 16);
+  CloseConversion(context);
+}
+
+TEST(Conversion, RefusesWhatItCannotMeet) {
+  tagIGFD good = Image(colorful, 2), noPalette = good, noBits = good, deep = good;
+  noPalette.palette = nullptr;
+  noBits.bitsPerPixel = 0;
+  deep.bitsPerPixel = 9;
+  const HeapUse before = heapUse;
+  const auto refuses = [&](auto change) {
+    ConversionSetup setup = SetupOf(good, good);
+    change(setup);
+    return OpenConversion(setup) == nullptr;
+  };
+  EXPECT_TRUE(refuses([&](ConversionSetup& s) { s.source = nullptr; }));
+  EXPECT_TRUE(refuses([&](ConversionSetup& s) { s.source = &noPalette; }));
+  EXPECT_TRUE(refuses([&](ConversionSetup& s) { s.destination = &noBits; }));
+  EXPECT_TRUE(refuses([&](ConversionSetup& s) { s.destination = &deep; }));
+  EXPECT_TRUE(refuses([](ConversionSetup& s) { s.lineCapacity = 0; }));
+  EXPECT_TRUE(refuses([](ConversionSetup& s) { s.next = nullptr; }));
+  EXPECT_TRUE(refuses([](ConversionSetup& s) { s.bandLimit = 0; }));
+  for (double gamma : {0.0, -1.0, std::nan(""), static_cast<double>(INFINITY)})
+    EXPECT_TRUE(refuses([gamma](ConversionSetup& s) { s.gamma = gamma; })) << gamma;
+  EXPECT_EQ(heapUse.liveBlocks, before.liveBlocks);
+}
+
+TEST(Conversion, LeavesNothingWhicheverAllocationFails) {
+  const tagIGFD source = Image(colorful, 2), destination = Image(shuffled, 2);
+  const HeapUse before = heapUse;
+  int failures = 0;
+  for (;; ++failures) {
+    heapUse.failIn = failures + 1;
+    tagCRLA* context = OpenConversion(SetupOf(source, destination));
+    const bool untouched = heapUse.failIn != 0;
+    heapUse.failIn = 0;
+    EXPECT_EQ(context != nullptr, untouched) << failures;
+    CloseConversion(context);
+    EXPECT_EQ(heapUse.liveBlocks, before.liveBlocks) << failures;
+    EXPECT_EQ(heapUse.liveBytes, before.liveBytes) << failures;
+    if (untouched) break;
+  }
+  EXPECT_EQ(failures, 6);  // context, two run arrays, state, error row, search table
+}
+
+TEST(Conversion, HandsTheBandInItsSlotToTheNextStage) {
+  const tagIGFD image = Image(colorful, 2);
+  tagRasterPacked* received = nullptr;
+  ConversionSetup setup = SetupOf(image, image);
+  setup.user = &received;
+  tagCRLA* context = OpenConversion(setup);
+  ASSERT_NE(context, nullptr);
+  EXPECT_EQ(UserOf(context), &received);
+  tagRasterPacked good{}, bad{};
+  bad.lineCount = 99;
+  *context->next->rasterSlot = &good;
+  EXPECT_EQ(CvtExecuteNextFunction(context->next), 0);
+  EXPECT_EQ(received, &good);
+  *context->next->rasterSlot = &bad;
+  EXPECT_EQ(CvtExecuteNextFunction(context->next), -77);
+  CloseConversion(context);
+}
+
+// One band of gray 0, 32, 64 … 224, 255 through the whole chain, onto the destination's list.
+TEST(Conversion, PutsTheBandsOfAPlainConversionOnTheDestinationsList) {
+  const HeapUse before = heapUse;
+  Colors ramp;
+  for (unsigned v = 0; v < 256; ++v) {
+    const auto level = static_cast<std::uint8_t>(v);
+    ramp.push_back({level, level, level});
+  }
+  tagOpList list;
+  tagIGFD source = Image(ramp, 8), destination = Image(blackWhite, 1);
+  destination.opList = &list;
+  auto* band = static_cast<tagRasterPacked*>(SioCreateOp(kPackedBand, kBandHeaderBytes + 10));
+  *band = {0, 0, 9, 1, 8, 0};
+  const std::uint8_t pixels[10] = {0, 32, 64, 96, 128, 160, 192, 224, 255, 0};
+  std::memcpy(band + 1, pixels, sizeof pixels);
+
+  tagCRLA* context = CvtOpenr2r(&source, &destination);
+  ASSERT_NE(context, nullptr);
+  EXPECT_EQ(Cvtr2r(&band, &source, &destination, context), kCvtOk);
+  CvtCloser2r(context);
+  SioFreeSMem(reinterpret_cast<std::uint8_t*>(band) - kBandPrefixBytes);
+
+  ASSERT_EQ(list.count, 1U);
+  const auto* result = static_cast<const tagRasterPacked*>(list.operations[0]);
+  EXPECT_TRUE(result->width == 9 && result->lineCount == 1 && result->bitsPerPixel == 1);
+  const auto* bits = reinterpret_cast<const std::uint8_t*>(result + 1);
+  EXPECT_EQ(bits[0], 0x0F);
+  EXPECT_EQ(bits[1] & 0x80, 0x80);
+  EmptyOpList(&list);
+  EXPECT_EQ(heapUse.liveBlocks, before.liveBlocks);
+}
+
+}  // namespace
+}  // namespace cvt::host
