@@ -83,24 +83,26 @@ Intake ChooseIntake(const Image& image, const Settings& settings, const std::vec
   return wouldOnlyBeRelabelled && !IsRelabelling(image, settings, wanted) ? Intake::WidenBits : Intake::AsStored;
 }
 
-// Tells why a line does not fit a band.
-Status LineTooLong(std::int32_t width, std::int32_t bits, const char* which) {
+// Whether a line fits a band; `which` line, for the message.
+Status CheckLine(Layout layout, std::int32_t width, std::int32_t bits, const char* which) {
+  if (BandLineBytes(layout, width, bits) <= kBandBytes) return Ok();
+  constexpr std::int32_t kWords = kBandBytes / 2;
+  const std::int32_t most = layout == Layout::Planes ? kWords / bits * 16 : kWords * 16 / bits;
   return Fail(Code::Limit, "a line of " + std::to_string(width) + " pixels of " + std::to_string(bits) + " bits" +
-                               which + " does not fit a band of 65523 bytes (at most " +
-                               std::to_string(kBandBytes * 8 / bits / 16 * 16) + " pixels do)");
+                               which + " does not fit a band of " + std::to_string(kBandBytes) +
+                               " bytes (at most " + std::to_string(most) + " pixels do)");
 }
 
 Status PlanBands(const Image& image, const Settings& settings, Plan* plan) {
-  const std::int32_t sourceBits =
-      BandBits(IntakeLayout(plan->intake, image), IntakeDepth(plan->intake, image.depth));
+  const Layout layout = IntakeLayout(plan->intake, image);
+  const std::int32_t sourceBits = BandBits(layout, IntakeDepth(plan->intake, image.depth));
   const std::int32_t outputBits = BandBits(settings.layout, settings.depth);
-  const std::int32_t sourceLine = BandLineBytes(IntakeLayout(plan->intake, image), image.width, sourceBits);
-  const std::int32_t outputLine = BandLineBytes(settings.layout, image.width, outputBits);
-  if (sourceLine > kBandBytes) return LineTooLong(image.width, sourceBits, "");
-  if (outputLine > kBandBytes) return LineTooLong(image.width, outputBits, " of output");
+  if (Status bad = CheckLine(layout, image.width, sourceBits, ""); Failed(bad)) return bad;
+  if (Status bad = CheckLine(settings.layout, image.width, outputBits, " of output"); Failed(bad)) return bad;
 
   // Neither a band nor, however it is split, its output may outgrow a block.
-  plan->bandLines = std::min({kBandBytes / sourceLine, kBandBytes / outputLine, image.height});
+  plan->bandLines = std::min({kBandBytes / BandLineBytes(layout, image.width, sourceBits),
+                              kBandBytes / BandLineBytes(settings.layout, image.width, outputBits), image.height});
   if (settings.bandLines > 0) plan->bandLines = std::min(plan->bandLines, settings.bandLines);
   return Ok();
 }

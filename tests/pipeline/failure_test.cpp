@@ -29,7 +29,7 @@ TEST(Refuse, SaysWhatIsWrongAndWhatToDo) {
       {"line too long for a band",
        {17000, 1, kDirectDepth},
        {.depth = 2, .palette = {{255, 0, 0}, {0, 0, 0}, {9, 9, 9}, {1, 2, 3}}},
-       "at most 16368 pixels"},
+       "at most 16380 pixels"},
       {"output line too long",
        {65535, 1, 1, GrayRamp(1)},
        {.depth = 8, .palette = GrayRamp(8)},

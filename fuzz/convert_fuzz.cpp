@@ -1,0 +1,98 @@
+// Any image with any settings: converted or refused, and everything given back. The same image in bands of
+// one line must come out the same.
+
+#include <cstdint>
+#include <cstdlib>
+#include <vector>
+
+#include "host/heap.h"
+#include "pipeline/convert.h"
+
+namespace {
+
+using namespace cvt::pipeline;
+
+struct Bytes {
+  const std::uint8_t* data;
+  std::size_t left;
+};
+
+std::uint8_t Take(Bytes* bytes) {
+  if (bytes->left == 0) return 0;
+  --bytes->left;
+  return *bytes->data++;
+}
+
+std::vector<IRGB> TakeColors(Bytes* bytes, std::size_t count) {
+  std::vector<IRGB> colors;
+  while (colors.size() < count) colors.push_back({Take(bytes), Take(bytes), Take(bytes)});
+  return colors;
+}
+
+Image TakeImage(Bytes* bytes) {
+  Image image;
+  image.width = Take(bytes) % 80;
+  image.height = Take(bytes) % 40;
+  image.depth = Take(bytes) % 10;
+  if (image.depth == 9) image.depth = kDirectDepth;
+  image.layout = static_cast<Layout>(Take(bytes) % 2);
+  if (image.depth <= 8) image.palette = TakeColors(bytes, Take(bytes) % 20);
+  return image;
+}
+
+Settings TakeSettings(Bytes* bytes) {
+  Settings settings;
+  settings.depth = Take(bytes) % 10;
+  settings.palette = TakeColors(bytes, Take(bytes) % 20);
+  settings.halftone = static_cast<Halftone>(Take(bytes) % 2);
+  settings.threshold = Take(bytes) * 2 - 100;
+  settings.invert = Take(bytes) % 2 != 0;
+  settings.layout = static_cast<Layout>(Take(bytes) % 2);
+  return settings;
+}
+
+struct Result {
+  Code code;
+  std::vector<std::uint8_t> rows;
+};
+
+Result Run(const Image& image, const Settings& settings, Bytes pixels) {
+  RowSource source{image, [&pixels, bytes = RowBytes(image)](std::uint8_t* row) {
+                     for (std::size_t i = 0; i < bytes; ++i) row[i] = Take(&pixels);
+                     return Ok();
+                   }};
+  Image written;
+  Result result;
+  RowSink sink = WriteMemory(&written, &result.rows);
+  result.code = Convert(source, settings, sink).code;
+  return result;
+}
+
+// Bits behind the last pixel of a row are undefined.
+void ClearPadding(const Image& image, const Settings& settings, std::vector<std::uint8_t>* rows) {
+  const Image output{image.width, image.height, settings.depth, settings.palette, settings.layout};
+  const bool planes = settings.layout == Layout::Planes;
+  const std::size_t rowBytes = planes ? PlaneRowBytes(image.width) : RowBytes(output);
+  const int used = image.width * (planes ? 1 : StoredBits(settings.depth)) % 8;
+  if (used == 0) return;
+  for (std::size_t i = rowBytes - 1; i < rows->size(); i += rowBytes)
+    (*rows)[i] &= static_cast<std::uint8_t>(0xFF00 >> used);
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  Bytes bytes{data, size};
+  const Image image = TakeImage(&bytes);
+  Settings settings = TakeSettings(&bytes);
+  const std::int64_t before = cvt::host::heapUse.liveBlocks;
+  Result tall = Run(image, settings, bytes);
+  settings.bandLines = 1;
+  Result low = Run(image, settings, bytes);
+  if (tall.code != low.code || cvt::host::heapUse.liveBlocks != before) std::abort();
+  if (tall.code != Code::Ok) return 0;
+  ClearPadding(image, settings, &tall.rows);
+  ClearPadding(image, settings, &low.rows);
+  if (tall.rows != low.rows) std::abort();
+  return 0;
+}
