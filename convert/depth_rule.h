@@ -12,25 +12,30 @@ namespace cvt {
 // kOrder: which channel of a direct-colour value is lowest; planes hold red there, packed pixels blue.
 template <ChannelOrder kOrder>
 struct NearestColor {
-  using Values = Source;
+  struct Values {
+    Source source;
+    SearchBy search;
+  };
 
   static Values Prepare(const tagIGFD* source, const tagIGFD*, const tagCRLA* context) {
-    return SourceOf(source, context);
+    return {SourceOf(source, context), SearchOf(context)};
   }
 
   template <class Input, class Output>
-  static void ConvertLine(const Values& source, Input*, Output* output, tagCRLA* context, std::uint16_t y) {
-    if (source.indexed)
+  static void ConvertLine(const Values& values, Input*, Output* output, tagCRLA* context, std::uint16_t y) {
+    if (values.source.indexed)
       CvtSnap(context);
     else
-      MapDirect(source, context);
+      MapDirect(values, context);
     WriteLine(output, context, y);
   }
 
  private:
-  static void MapDirect(const Source& source, tagCRLA* context) {
-    WithSearch(context, [&](auto search) {
-      WithDecoding(source, [&](auto decode) { MapValues<decltype(decode), decltype(search)>(source, context); });
+  static void MapDirect(const Values& values, tagCRLA* context) {
+    WithSearch(values.search, [&](auto search) {
+      WithDirectDecoding(values.source, [&](auto decode) {
+        MapValues<decltype(decode), decltype(search)>(values.source, context);
+      });
     });
   }
 

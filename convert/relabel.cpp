@@ -5,6 +5,7 @@
 
 CvtStatus CVT_CALL Cvt1Bit1Byte(tagRasterPacked** band, tagIGFD* source, tagIGFD* destination, tagCRLA* context) {
   tagIGFD* copy = CvtDupIGFD(source);
+  if (copy == nullptr) return kCvtNoDescriptor;
   copy->rasterKind = 0;
 
   auto* relabelled = cvt::BandAt<tagRasterPacked>(band);

@@ -77,12 +77,16 @@ struct DecodeWithGamma {
   }
 };
 
-// Runs `work` with the decoding that the source calls for.
+// Runs `work` with the decoding that a source of direct colour calls for.
+template <class Work>
+auto WithDirectDecoding(const Source& source, Work work) {
+  return source.gamma ? work(DecodeWithGamma{}) : work(DecodeDirect{});
+}
+
+// The same for any source.
 template <class Work>
 auto WithDecoding(const Source& source, Work work) {
-  if (source.indexed) return work(DecodePalette{});
-  if (source.gamma) return work(DecodeWithGamma{});
-  return work(DecodeDirect{});
+  return source.indexed ? work(DecodePalette{}) : WithDirectDecoding(source, work);
 }
 
 }  // namespace cvt

@@ -159,8 +159,7 @@ template <Family kFamily, class Rule, class From, class To>
 CvtStatus ConvertBand(typename From::Band** slot, tagIGFD* source, tagIGFD* destination, tagCRLA* context) {
   Held<From, To> held{};
   held.copy = CvtDupIGFD(source);
-  if constexpr (kFamily.nullCopy == NullCopy::Refused)
-    if (held.copy == nullptr) return kCvtNoDescriptor;
+  if (held.copy == nullptr) return kCvtNoDescriptor;
   held.copy->rasterKind = 0;  // what comes out needs no further conversion
 
   auto* band = BandAt<typename From::Band>(slot);

@@ -16,11 +16,6 @@ void SetRectangle(Cursor* cursor, Band* band) {
   cursor->data = PixelsOf(band);
 }
 
-constexpr std::uint32_t PowerOfTwoFrom(std::uint32_t bits) {
-  while ((bits & (bits - 1)) != 0) ++bits;
-  return bits;
-}
-
 constexpr std::uint16_t DepthClass(std::uint32_t bits) {
   if (bits == 0 || bits > 16) return 5;
   return bits > 8 ? 4 : bits > 4 ? 3 : bits > 2 ? 2 : bits == 2 ? 1 : 0;

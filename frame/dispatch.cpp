@@ -26,6 +26,28 @@ tagRasterPlane** AsPlanes(tagRasterPacked** band) { return reinterpret_cast<tagR
 CvtStatus Perform(Step step, tagRasterPacked** band, tagIGFD* source, tagIGFD* destination, tagCRLA* context) {
   tagRasterPlane** planes = AsPlanes(band);
   switch (step) {
+    case Step::ClipPlane:
+      return CvtClipPlane(planes, source, destination, context);
+    case Step::ClipPacked:
+      return CvtClipPacked(band, source, destination, context);
+    case Step::BitRGBPacked:
+      return CvtBitRGBPacked(planes, source, destination, context);
+    case Step::ByteRGBPacked:
+      return CvtByteRGBPacked(band, source, destination, context);
+    case Step::BitRGBPlane:
+      return CvtBitRGBPlane(planes, source, destination, context);
+    case Step::ByteRGBPlane:
+      return CvtByteRGBPlane(band, source, destination, context);
+    case Step::ScaleSmooth:
+      return CvtScaleSmooth(band, source, destination, context);
+    case Step::ScaleDownWidth:
+      return CvtScaleDownWidth(band, source, destination, context);
+    case Step::ScaleDownHeight:
+      return CvtScaleDownHeight(band, source, destination, context);
+    case Step::ScaleUpWidth:
+      return CvtScaleUpWidth(band, source, destination, context);
+    case Step::ScaleUpHeight:
+      return CvtScaleUpHeight(band, source, destination, context);
     case Step::Relabel:
       return Cvt1Bit1Byte(band, source, destination, context);
     case Step::NearestBitByte:
@@ -44,6 +66,30 @@ CvtStatus Perform(Step step, tagRasterPacked** band, tagIGFD* source, tagIGFD* d
       return CvtMonochromeDiffusionBitBit(planes, source, destination, context);
     case Step::MonoDiffusionByteByte:
       return CvtMonochromeDiffusionByteByte(band, source, destination, context);
+    case Step::MonoDitherBitByte:
+      return CvtMonochromeDitherBitByte(planes, source, destination, context);
+    case Step::MonoDitherByteBit:
+      return CvtMonochromeDitherByteBit(band, source, destination, context);
+    case Step::MonoDitherBitBit:
+      return CvtMonochromeDitherBitBit(planes, source, destination, context);
+    case Step::MonoDitherByteByte:
+      return CvtMonochromeDitherByteByte(band, source, destination, context);
+    case Step::ColorDiffusionBitByte:
+      return CvtColorDiffusionBitByte(planes, source, destination, context);
+    case Step::ColorDiffusionByteBit:
+      return CvtColorDiffusionByteBit(band, source, destination, context);
+    case Step::ColorDiffusionBitBit:
+      return CvtColorDiffusionBitBit(planes, source, destination, context);
+    case Step::ColorDiffusionByteByte:
+      return CvtColorDiffusionByteByte(band, source, destination, context);
+    case Step::ColorDitherBitByte:
+      return CvtColorDitherBitByte(planes, source, destination, context);
+    case Step::ColorDitherByteBit:
+      return CvtColorDitherByteBit(band, source, destination, context);
+    case Step::ColorDitherBitBit:
+      return CvtColorDitherBitBit(planes, source, destination, context);
+    case Step::ColorDitherByteByte:
+      return CvtColorDitherByteByte(band, source, destination, context);
     case Step::PassThrough:
       return PassThrough(BandAt<tagRasterPacked>(band), source, destination, context);
     default:

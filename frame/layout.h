@@ -14,17 +14,28 @@ struct Planes {
   using Band = tagRasterPlane;
   using Cursor = tagPlaneData;
   static constexpr std::uint16_t kOperation = kPlaneBand;
+  // A line is one row of single bits for every bit of depth.
+  static constexpr std::uint32_t BitsInRow(std::uint32_t) { return 1; }
+  static constexpr std::uint32_t RowsInLine(std::uint32_t depth) { return depth; }
 };
 
 struct Packed {
   using Band = tagRasterPacked;
   using Cursor = tagPackedData;
   static constexpr std::uint16_t kOperation = kPackedBand;
+  static constexpr std::uint32_t BitsInRow(std::uint32_t depth) { return depth; }
+  static constexpr std::uint32_t RowsInLine(std::uint32_t) { return 1; }
 };
 
 // A row of one plane or of packed pixels is padded to a 16-bit boundary.
 constexpr std::uint32_t RowBytes(std::uint32_t width, std::uint32_t bits) {
   return ((width * bits + 15) >> 3) & ~1U;
+}
+
+// Bits that a packed pixel takes up in its row.
+constexpr std::uint32_t PowerOfTwoFrom(std::uint32_t bits) {
+  while ((bits & (bits - 1)) != 0) ++bits;
+  return bits;
 }
 
 // Bits in which packed pixels of a depth are stored in palette output. Depths are palette depths here:
@@ -34,6 +45,7 @@ constexpr std::uint32_t PaletteDepth(std::int32_t depth) {
 }
 
 static_assert(RowBytes(17, 1) == 4 && RowBytes(5, 4) == 4 && RowBytes(3, 32) == 12 && RowBytes(0, 8) == 0);
+static_assert(PowerOfTwoFrom(0) == 0 && PowerOfTwoFrom(1) == 1 && PowerOfTwoFrom(24) == 32);
 static_assert(PaletteDepth(3) == 4 && PaletteDepth(9) == 16 && PaletteDepth(0) == 1 && PaletteDepth(-1) == 1);
 
 // Bands of both kinds travel through pointers of either type. These read and write the pointer as bytes,

@@ -14,10 +14,17 @@ struct SearchCube {
   static std::uint16_t Index(std::uint8_t* table, WRGB* color) { return CvtSearchRGBCube(table, color); }
 };
 
-// Runs `work` with the search that the context's destination colours call for.
+// Which of the two a conversion uses. It is settled once a call: what the stages behind it do to the context
+// while the call hands on its bands changes nothing.
+enum class SearchBy : std::uint8_t { GrayTable, Cube };
+
+inline SearchBy SearchOf(const tagCRLA* context) {
+  return context->grayPalette == kGrayRamp ? SearchBy::GrayTable : SearchBy::Cube;
+}
+
 template <class Work>
-auto WithSearch(const tagCRLA* context, Work work) {
-  return context->grayPalette == kGrayRamp ? work(SearchGray{}) : work(SearchCube{});
+auto WithSearch(SearchBy search, Work work) {
+  return search == SearchBy::GrayTable ? work(SearchGray{}) : work(SearchCube{});
 }
 
 }  // namespace cvt

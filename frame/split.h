@@ -43,6 +43,22 @@ constexpr SubBands SplitEvenly(std::uint32_t bandLines, std::uint32_t outBits, s
   return parts;
 }
 
+// Output that is larger than its input by any factor: as many sub-bands as it takes for none to exceed
+// `limit` bytes. None where there is nothing to share out, or where a single line exceeds the limit.
+constexpr SubBands SplitByBytes(std::uint32_t bandLines, std::uint32_t lineBytes, std::uint32_t limit) {
+  const std::uint32_t total = lineBytes * bandLines;
+  if (total == 0 || lineBytes > limit) return {0, 0};
+  std::uint32_t count = Low16(total / limit);
+  if (count * limit < total) ++count;
+  const std::uint32_t lines = Low16(total / count / lineBytes);
+  while ((bandLines - (count - 1) * lines) * lineBytes > limit) ++count;
+  return {count, lines};
+}
+
+static_assert(SplitByBytes(100, 1000, 65000).count == 2 && SplitByBytes(100, 1000, 65000).lines == 50);
+static_assert(SplitByBytes(7, 30000, 65000).count == 6 && SplitByBytes(7, 30000, 65000).lines == 1);
+static_assert(SplitByBytes(1, 65001, 65000).count == 0 && SplitByBytes(0, 8, 65000).count == 0);
+
 static_assert(SplitEvenly(10, 4, 1).count == 5 && SplitEvenly(10, 4, 1).lines == 2);
 static_assert(SplitEvenly(7, 16, 8).count == 7 && SplitEvenly(7, 16, 8).lines == 1);
 static_assert(SplitEvenly(10, 32, 3).count == 10 && SplitEvenly(0, 8, 4).count == 0);

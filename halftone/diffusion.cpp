@@ -21,7 +21,10 @@ struct DiffuseMono {
   static void ConvertLine(const Values& values, typename From::Cursor* input, typename To::Cursor* output,
                           tagCRLA* context, std::uint16_t y) {
     WithDecoding(values.source, [&](auto decode) {
-      DiffuseLine<decltype(decode)>(values, FirstEntry(input), output, context, y);
+      if (values.black != values.white)
+        DiffuseLine<decltype(decode), TwoInks>(values, FirstEntry(input), output, context, y);
+      else
+        DiffuseLine<decltype(decode), OneInk>(values, FirstEntry(input), output, context, y);
     });
   }
 
@@ -32,30 +35,34 @@ struct DiffuseMono {
     return std::is_same_v<From, Planes> && std::is_same_v<To, Packed> ? input->left : 0;
   }
 
-  template <class Decode>
-  static void DiffuseLine(const Values& values, std::uint32_t entry, typename To::Cursor* output, tagCRLA* context,
-                          std::uint16_t y) {
+  // Flattened: where the host is compiled in as well, its pixel writer becomes part of the loop.
+  template <class Decode, class Inks>
+  [[gnu::flatten]] static void DiffuseLine(const Values& values, std::uint32_t entry, typename To::Cursor* output,
+                                           tagCRLA* context, std::uint16_t y) {
     const std::uint32_t runs = context->runCount;
     const std::uint16_t* lengths = context->runLengths;
     const std::uint32_t* colors = context->values;
-    const std::uint32_t left = output->left;
-    // The test that takes white off the error compares indices: where black and white are one entry,
-    // nothing is ever taken off.
-    const std::int32_t whiteShown = values.white != values.black ? kWhiteLevel : 0;
-    std::int16_t* row = context->errorRow;
-    std::int16_t error = 0;  // of the pixel to the left
+    const std::uint32_t black = values.black;
+    const std::uint32_t white = values.white;
+    std::uint32_t x = entry + output->left;
+    std::int16_t* at = context->errorRow + entry;
+    std::int16_t dropped = 0;  // the share below left of the image's first column
+    std::int16_t* toLeft = entry > 0 ? at - 1 : &dropped;
+    std::int16_t held = *toLeft;
+    Spread before{0, 0};  // of the pixel to the left
 
     for (std::uint32_t run = 0; run < runs; ++run) {
-      const std::uint8_t gray = GrayLevel<Decode>(values.source, colors[run], context);
-      for (std::uint32_t n = lengths[run]; n > 0; --n, ++entry) {
-        const std::int16_t wanted = WantedLevel(gray, error, row[entry]);
-        const bool white = IsWhite(wanted);
-        const std::int16_t before = error;
-        error = ErrorLeft(wanted, white ? whiteShown : 0);
-        if (entry > 0) row[entry - 1] = Wrap16(row[entry - 1] + BelowLeftShare(error));
-        row[entry] = BelowShare(error);
-        WritePixel(output, Low16(entry + left), y, white ? values.white : values.black);
-        row[entry] = Wrap16(row[entry] + BelowRightShare(before));
+      const std::uint8_t gray = GrayLevel<Decode>(values, colors[run], context);
+      for (std::uint32_t n = lengths[run]; n > 0; --n, ++x) {
+        const std::int32_t wanted = gray + *at + before.right;
+        const Spread spread = Inks::Of(wanted);
+        *toLeft = Wrap16(held + BelowLeftShare(spread.error));
+        *at = BelowShare(spread.error);
+        WritePixel(output, Low16(x), y, Choose(IsWhite(Wrap16(wanted)), white, black));
+        held = Wrap16(BelowShare(spread.error) + BelowRightShare(before.error));
+        *at = held;
+        toLeft = at++;
+        before = spread;
       }
     }
   }

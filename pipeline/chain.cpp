@@ -45,7 +45,7 @@ tagCRLA* OpenContext(const Plan& plan, const Settings& settings, Chain* chain) {
 
 std::int32_t SourceLineBytes(const Plan& plan) {
   const Layout layout = IntakeLayout(plan.intake, plan.input);
-  return BandLineBytes(layout, plan.input.width, BandBits(layout, IntakeDepth(plan.intake, plan.input.depth)));
+  return BandLineBytes(layout, plan.input.width, BandBits(layout, IntakeDepth(plan.intake, plan.input)));
 }
 
 // Labels the block anew for each band: a conversion may have relabelled it in place.
@@ -60,7 +60,7 @@ void StartBand(const Plan& plan, std::int32_t top, std::int32_t lines, tagRaster
   band->top = static_cast<std::uint16_t>(top);
   band->width = static_cast<std::uint16_t>(plan.input.width);
   band->lineCount = static_cast<std::uint16_t>(lines);
-  const std::int32_t depth = IntakeDepth(plan.intake, plan.input.depth);
+  const std::int32_t depth = IntakeDepth(plan.intake, plan.input);
   band->bitsPerPixel = static_cast<std::uint16_t>(BandBits(layout, depth));
   if (layout == Layout::Planes)
     band->planeBytes = static_cast<std::uint16_t>(BandLineBytes(layout, plan.input.width, 1) * lines);
@@ -101,7 +101,7 @@ std::int16_t CVT_CALL WatchedLink(tagRasterPacked** band, tagIGFD* source, tagIG
 
 Status OpenChain(Plan* plan, const Settings& settings, RowSink* sink, Chain* chain) {
   const Layout sourceLayout = IntakeLayout(plan->intake, plan->input);
-  const std::int32_t sourceDepth = IntakeDepth(plan->intake, plan->input.depth);
+  const std::int32_t sourceDepth = IntakeDepth(plan->intake, plan->input);
   chain->source = Describe(plan->input, sourceLayout, sourceDepth, &plan->sourceColors, &chain->operations);
   chain->destination =
       Describe(plan->output, settings.layout, settings.depth, &plan->wantedColors, &chain->operations);

@@ -38,8 +38,9 @@ void ScatterPlanes(const Image& image, const std::uint8_t* row, tagRasterPacked*
 
 }  // namespace
 
-std::int32_t IntakeDepth(Intake intake, std::int32_t imageDepth) {
-  return intake == Intake::WidenBits || intake == Intake::GrayLevels ? 8 : imageDepth;
+std::int32_t IntakeDepth(Intake intake, const Image& image) {
+  if (intake == Intake::WidenBits || intake == Intake::GrayLevels) return 8;
+  return image.layout == Layout::Planes ? image.depth : StoredBits(image.depth);
 }
 
 Layout IntakeLayout(Intake intake, const Image& image) {
@@ -50,14 +51,14 @@ std::vector<IRGB> IntakePalette(Intake intake, const Image& image) {
   if (intake == Intake::DirectWords) return {};
   if (intake == Intake::GrayLevels) return GrayRamp(8);
   std::vector<IRGB> palette = image.palette;
-  palette.resize(std::size_t{1} << IntakeDepth(intake, image.depth), palette.front());
+  palette.resize(std::size_t{1} << IntakeDepth(intake, image), palette.front());
   return palette;
 }
 
 void TakeRow(Intake intake, const Image& image, const std::uint8_t* row, tagRasterPacked* band,
              std::int32_t line) {
   if (IntakeLayout(intake, image) == Layout::Planes) return ScatterPlanes(image, row, band, line);
-  const std::int32_t depth = IntakeDepth(intake, image.depth);
+  const std::int32_t depth = IntakeDepth(intake, image);
   const std::int32_t stride = BandLineBytes(Layout::Packed, image.width, BandBits(Layout::Packed, depth));
   std::uint8_t* pixels = PixelsOf(band) + static_cast<std::size_t>(line) * static_cast<std::size_t>(stride);
   const auto width = static_cast<std::size_t>(image.width);

@@ -16,8 +16,9 @@ enum class Intake : std::uint8_t {
   DirectWords,  // direct colour becomes 32-bit words, blue lowest
 };
 
-/// Depth in bits of the pixels that the band's descriptor names.
-std::int32_t IntakeDepth(Intake intake, std::int32_t imageDepth);
+/// Depth in bits of the pixels that the band's descriptor names. Packed pixels fill the bits they are stored
+/// in: a value that a 3-bit image has no colour for is in the palette all the same.
+std::int32_t IntakeDepth(Intake intake, const Image& image);
 
 /// Layout of the band.
 Layout IntakeLayout(Intake intake, const Image& image);

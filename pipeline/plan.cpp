@@ -95,7 +95,7 @@ Status CheckLine(Layout layout, std::int32_t width, std::int32_t bits, const cha
 
 Status PlanBands(const Image& image, const Settings& settings, Plan* plan) {
   const Layout layout = IntakeLayout(plan->intake, image);
-  const std::int32_t sourceBits = BandBits(layout, IntakeDepth(plan->intake, image.depth));
+  const std::int32_t sourceBits = BandBits(layout, IntakeDepth(plan->intake, image));
   const std::int32_t outputBits = BandBits(settings.layout, settings.depth);
   if (Status bad = CheckLine(layout, image.width, sourceBits, ""); Failed(bad)) return bad;
   if (Status bad = CheckLine(settings.layout, image.width, outputBits, " of output"); Failed(bad)) return bad;

@@ -194,6 +194,20 @@ TEST(Convert, DiffusionInvertsTheBits) {
   for (std::size_t i = 0; i < plain.pixels.size(); ++i) EXPECT_EQ(plain.pixels[i] + inverted.pixels[i], 1U);
 }
 
+TEST(Convert, TakesValuesThatThePaletteHasNoColorForAsItsFirst) {
+  for (const std::int32_t depth : {2, 3, 5, 8}) {
+    Picture picture{{16, 1, StoredBits(depth), std::vector<IRGB>(std::size_t{1} << StoredBits(depth))}, {}};
+    for (std::uint32_t x = 0; x < 16; ++x) picture.pixels.push_back(x % (1U << StoredBits(depth)));
+    std::vector<std::uint8_t> rows = RowsOf(picture);
+    RowSource source = ReadMemory({16, 1, depth, {{250, 9, 9}, {9, 9, 250}}}, rows.data(), rows.size());
+    Image written;
+    std::vector<std::uint8_t> out;
+    RowSink sink = WriteMemory(&written, &out);
+    ASSERT_FALSE(Failed(pipeline::Convert(source, {.depth = 8, .palette = {{9, 9, 250}, {250, 9, 9}}}, sink)));
+    for (std::size_t x = 0; x < 16; ++x) EXPECT_EQ(out[x], picture.pixels[x] == 1 ? 0 : 1) << depth << " bits";
+  }
+}
+
 TEST(Convert, PackRowsGivesTheRowsOfPackedOutput) {
   for (std::int32_t depth = 1; depth <= 8; ++depth) {
     const std::vector<IRGB> colors = Distinct(std::size_t{1} << depth);
