@@ -15,5 +15,8 @@ add_library(cvtr2r_shared SHARED ${objects})
 set_target_properties(cvtr2r_shared PROPERTIES OUTPUT_NAME cvtr2r VERSION ${PROJECT_VERSION}
                                                SOVERSION ${PROJECT_VERSION_MAJOR} LINKER_LANGUAGE CXX)
 target_link_libraries(cvtr2r_shared PUBLIC cvtr2r_headers)
+set(exports ${CMAKE_CURRENT_SOURCE_DIR}/cmake/exports.map)
+target_link_options(cvtr2r_shared PRIVATE -Wl,--version-script=${exports})
+set_target_properties(cvtr2r_shared PROPERTIES LINK_DEPENDS ${exports})
 
 add_library(cvtr2r::library ALIAS cvtr2r_static)

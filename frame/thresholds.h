@@ -47,17 +47,21 @@ inline constexpr std::uint32_t kColumns = 65536;
 
 constexpr std::uint32_t Smaller(std::uint32_t a, std::uint32_t b) { return a < b ? a : b; }
 
-constexpr ThresholdWalk WalkFrom(Thresholds along, std::uint16_t column) {
-  const std::uint32_t phase = column % along.period;
+// At a column whose threshold stands `phase` columns after the first.
+constexpr ThresholdWalk WalkAt(Thresholds along, std::uint32_t phase, std::uint16_t column) {
   const std::uint32_t left = Smaller(along.period - phase, kColumns - column);
   return {along, phase * along.stride, left, column + left};
+}
+
+constexpr ThresholdWalk WalkFrom(Thresholds along, std::uint16_t column) {
+  return WalkAt(along, column % along.period, column);
 }
 
 // The column's threshold; moves on to the next column.
 constexpr std::uint8_t TakeThreshold(ThresholdWalk* walk) {
   const std::uint8_t threshold = walk->along.first[walk->offset];
   walk->offset += walk->along.stride;
-  if (--walk->left == 0) *walk = WalkFrom(walk->along, Low16(walk->end));
+  if (--walk->left == 0) *walk = WalkAt(walk->along, 0, Low16(walk->end));
   return threshold;
 }
 

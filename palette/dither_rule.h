@@ -75,10 +75,10 @@ constexpr std::uint32_t RaisedBy(std::int32_t push, std::uint32_t octant) {
   return octant ^ ((upward ^ IsOdd(octant)) != 0 ? kAllChannels : 0);
 }
 
-// The palette's step, scaled by the push: cut in odd octants, rounded up in even ones.
+// The palette's step, scaled by the push's size: cut in odd octants, rounded up in even ones.
 constexpr std::int32_t DistanceOf(std::uint8_t step, std::int32_t push, std::uint32_t octant) {
-  const std::int32_t scaled = step * (push < 0 ? -push : push);
-  return IsOdd(octant) != 0 ? ShiftDown(scaled, 7) : -ShiftDown(-scaled, 7);
+  const std::int32_t roundUp = Signed32(127 & (IsOdd(octant) - 1));
+  return ShiftDown(step * (push < 0 ? -push : push) + roundUp, 7);
 }
 
 static_assert(RaisedBy(10, 7) == 7 && RaisedBy(-10, 4) == 3 && RaisedBy(10, 3) == 4 && RaisedBy(-10, 0) == 0);

@@ -1,0 +1,11 @@
+// `r2r convert`: one image from file to file.
+#pragma once
+
+#include "app/option_table.h"
+#include "app/report.h"
+
+namespace cvt::app {
+
+Outcome RunConvert(const Arguments& arguments);
+
+}  // namespace cvt::app

@@ -1,0 +1,54 @@
+// Image files, row by row: what an application opens and creates.
+//
+// Reads and writes PNG and the PBM, PGM, PPM family. Memory does not depend on the height of the image,
+// interlaced PNG excepted. Knows nothing of bands and conversions.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+
+#include "pipeline/image.h"
+#include "pipeline/status.h"
+
+namespace cvt::imageio {
+
+enum class Format : std::uint8_t { FromSuffix, Png, Pbm, Pgm, Ppm, Pnm };  // Pnm: the smallest of three that fits
+enum class Existing : std::uint8_t { Refuse, Replace };                    // an output file that is there already
+
+struct ReadOptions {
+  IRGB background{255, 255, 255};                     // what transparent pixels lie on
+  std::int64_t maxPixels = 2147483647;                // width times height
+  std::int64_t maxBufferBytes = 256LL * 1024 * 1024;  // for images that cannot be read row by row
+};
+
+struct WriteOptions {
+  Format format = Format::FromSuffix;
+  Existing existing = Existing::Refuse;
+  // Told the name of the temporary file once it is there, and null when it is gone again: a program that
+  // is interrupted can remove it. The name lives until the null.
+  std::function<void(const char* name)> temporary;
+};
+
+/// Opens an image; "-" is standard input. The first bytes tell the format. Gray and indexed images come at
+/// their true depth with their palette, colours as 24-bit rows; 16-bit samples are rounded to 8 bits and
+/// transparency lies on the background.
+///
+/// Code::Input   missing, unreadable, damaged or of an unknown format
+/// Code::Limit   larger than the options allow, or interlaced and too large for the buffer
+/// `source->read` answers the same codes, and Code::Input for an image that ends early.
+pipeline::Status OpenImage(const std::string& path, const ReadOptions& options, pipeline::RowSource* source);
+
+/// Creates an image; "-" is standard output. The file appears under its name when `sink->end` is done;
+/// a sink that is destroyed before leaves nothing behind. Devices and pipes are written directly.
+///
+/// Code::Usage   no format: neither wanted nor told by the suffix
+/// Code::Output  the file exists and may not be replaced, or cannot be created
+/// `sink->begin` answers Code::Usage for an image that the format cannot hold, all three of the sink
+/// Code::Output when writing fails.
+pipeline::Status CreateImage(const std::string& path, const WriteOptions& options, pipeline::RowSink* sink);
+
+/// The format that CreateImage would take: `wanted`, or by the suffix of `path`. Code::Usage as above.
+pipeline::Status ChooseFormat(const std::string& path, Format wanted, Format* format);
+
+}  // namespace cvt::imageio

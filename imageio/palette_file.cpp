@@ -1,0 +1,128 @@
+#include "imageio/palette_file.h"
+
+#include <charconv>
+#include <memory>
+#include <utility>
+
+#include "imageio/input_file.h"
+#include "imageio/suffix.h"
+
+namespace cvt::imageio {
+
+using pipeline::Code;
+using pipeline::Fail;
+using pipeline::Failed;
+using pipeline::Ok;
+using pipeline::Status;
+
+namespace {
+
+constexpr std::size_t kMaxColors = 256;
+constexpr std::size_t kMaxFileBytes = 1 << 20;  // far more than 256 lines need
+
+std::string_view Trimmed(std::string_view line) {
+  const std::size_t first = line.find_first_not_of(" \t\r");
+  if (first == std::string_view::npos) return {};
+  return line.substr(first, line.find_last_not_of(" \t\r") - first + 1);
+}
+
+std::string_view TakeLine(std::string_view* text) {
+  const std::size_t end = text->find('\n');
+  const std::string_view line = text->substr(0, end);
+  text->remove_prefix(end == std::string_view::npos ? text->size() : end + 1);
+  return Trimmed(line);
+}
+
+std::optional<std::uint8_t> TakeLevel(std::string_view* line) {
+  *line = Trimmed(*line);
+  std::uint8_t level = 0;
+  const auto [end, error] = std::from_chars(line->data(), line->data() + line->size(), level);
+  if (error != std::errc()) return std::nullopt;
+  line->remove_prefix(static_cast<std::size_t>(end - line->data()));
+  if (!line->empty() && line->front() != ' ' && line->front() != '\t') return std::nullopt;
+  return level;
+}
+
+std::optional<IRGB> NumberColor(std::string_view line) {
+  const std::optional<std::uint8_t> red = TakeLevel(&line);
+  const std::optional<std::uint8_t> green = TakeLevel(&line);
+  const std::optional<std::uint8_t> blue = TakeLevel(&line);
+  if (!red || !green || !blue) return std::nullopt;
+  return IRGB{*red, *green, *blue};
+}
+
+Status AtLine(int line, const std::string& words) {
+  return Fail(Code::Input, "line " + std::to_string(line) + " " + words);
+}
+
+Status AddColor(const std::optional<IRGB>& color, int line, const char* form, std::vector<IRGB>* palette) {
+  if (!color) return AtLine(line, std::string("is no colour (write ") + form + ")");
+  if (palette->size() == kMaxColors) return AtLine(line, "is colour 257 (leave 256 at most)");
+  palette->push_back(*color);
+  return Ok();
+}
+
+Status ParseHex(std::string_view text, std::vector<IRGB>* palette) {
+  for (int number = 1; !text.empty(); ++number) {
+    std::string_view line = TakeLine(&text);
+    if (line.empty()) continue;
+    if (line.front() == '#') line.remove_prefix(1);
+    if (Status failed = AddColor(HexColor(line), number, "six hexadecimal digits", palette); Failed(failed)) {
+      return failed;
+    }
+  }
+  return Ok();
+}
+
+bool IsRemark(std::string_view line) {
+  return line.empty() || line.front() == '#' || line.starts_with("Name:") || line.starts_with("Columns:");
+}
+
+Status ParseGpl(std::string_view text, std::vector<IRGB>* palette) {
+  if (TakeLine(&text) != "GIMP Palette") return AtLine(1, "does not read \"GIMP Palette\" (give a .gpl palette)");
+  for (int number = 2; !text.empty(); ++number) {
+    const std::string_view line = TakeLine(&text);
+    if (IsRemark(line)) continue;
+    if (Status failed = AddColor(NumberColor(line), number, "three numbers from 0 to 255", palette);
+        Failed(failed)) {
+      return failed;
+    }
+  }
+  return Ok();
+}
+
+Status ReadText(const std::string& path, std::string* text) {
+  std::unique_ptr<InputFile> file;
+  if (Status failed = OpenInput(path, &file); Failed(failed)) return failed;
+  for (int c = NextByte(*file); c >= 0; c = NextByte(*file)) {
+    if (text->size() == kMaxFileBytes)
+      return Fail(Code::Input, "the file is too large for a palette (check the name)");
+    text->push_back(static_cast<char>(c));
+  }
+  return file->error == 0 ? Ok() : EndOfInput(*file, "");
+}
+
+}  // namespace
+
+std::optional<IRGB> HexColor(std::string_view digits) {
+  std::uint32_t value = 0;
+  const char* end = digits.data() + digits.size();
+  const auto [stop, error] = std::from_chars(digits.data(), end, value, 16);
+  if (digits.size() != 6 || error != std::errc() || stop != end) return std::nullopt;
+  return IRGB{static_cast<std::uint8_t>(value >> 16), static_cast<std::uint8_t>(value >> 8 & 255),
+              static_cast<std::uint8_t>(value & 255)};
+}
+
+bool IsPaletteFile(const std::string& path) { return HasSuffix(path, ".gpl") || HasSuffix(path, ".hex"); }
+
+Status ReadPalette(const std::string& path, std::vector<IRGB>* palette) {
+  if (!IsPaletteFile(path)) return Fail(Code::Usage, "this is no palette file (give a .gpl or .hex file)");
+  std::string text;
+  if (Status failed = ReadText(path, &text); Failed(failed)) return failed;
+  palette->clear();
+  Status status = HasSuffix(path, ".gpl") ? ParseGpl(text, palette) : ParseHex(text, palette);
+  if (Failed(status)) return status;
+  return palette->empty() ? Fail(Code::Input, "the palette has no colours (write at least one)") : Ok();
+}
+
+}  // namespace cvt::imageio

@@ -1,0 +1,18 @@
+// PNG files, read and written row by row with libpng.
+#pragma once
+
+#include <memory>
+
+#include "imageio/image_file.h"
+#include "imageio/input_file.h"
+#include "imageio/output_file.h"
+
+namespace cvt::imageio {
+
+/// As OpenImage, for a file that starts like a PNG.
+pipeline::Status OpenPng(std::unique_ptr<InputFile> file, const ReadOptions& options, pipeline::RowSource* source);
+
+/// As CreateImage. Gray ramps of 1, 2, 4 and 8 bits become gray images, other palettes indexed ones.
+pipeline::RowSink WritePng(std::unique_ptr<OutputFile> file);
+
+}  // namespace cvt::imageio

@@ -1,0 +1,72 @@
+// Conversions that end badly on the way: nothing is left, what was there stays.
+#include <gtest/gtest.h>
+
+#include "run.h"
+
+namespace cvt::app::test {
+namespace {
+
+using Names = std::vector<std::string>;
+
+// Ten thousand pixels of noise, too much for one block however they are packed.
+std::string Noise() {
+  std::string file = "P5\n100 100\n255\n";
+  unsigned seed = 1;
+  for (int i = 0; i < 10000; ++i) {
+    seed = seed * 1103515245U + 12345U;
+    file += static_cast<char>(seed >> 16 & 255);
+  }
+  return file;
+}
+
+TEST(Ending, AFileThatCannotGrowIsRemoved) {
+  for (const char* output : {"o.png", "o.pgm"}) {
+    const Workplace place;
+    place.Write("in", Noise());
+    // The limit holds for the messages of the shell as well; they are far shorter than a block.
+    const Ended ended = place.Shell(std::string("ulimit -f 1; \"$R2R\" convert in ") + output);
+    EXPECT_EQ(ended.status, 5) << ended.err;
+    EXPECT_TRUE(ended.err.starts_with(std::string("r2r: ") + output + ": ")) << ended.err;
+    EXPECT_EQ(place.Names(), Names{"in"});
+  }
+}
+
+TEST(Ending, AnInputThatEndsEarlyKeepsTheOldOutput) {
+  const Workplace place;
+  place.Write("in", Noise().substr(0, 5000));
+  place.Write("o.png", "old");
+  EXPECT_EQ(place.Convert("--force in o.png").status, 3);
+  EXPECT_EQ(place.Read("o.png"), "old");
+  EXPECT_EQ(place.Names(), (Names{"in", "o.png"}));
+}
+
+TEST(Ending, AReaderThatLeavesIsAWriteError) {
+  const Workplace place;
+  std::string rows;
+  for (int i = 0; i < 100; ++i) rows += Noise().substr(15);
+  place.Write("in", "P5\n100 10000\n255\n" + rows);
+  const Ended ended = place.Shell(
+      "{ \"$R2R\" convert in - --format pgm; echo $? >../status; } | head -c 1 >/dev/null; read s <../status; "
+      "exit $s");
+  EXPECT_EQ(ended.status, 5) << ended.err;
+}
+
+// The input stays open without ending, so the command waits for more when the signal comes.
+TEST(Ending, AnInterruptedConversionLeavesNothing) {
+  for (const char* signal : {"INT", "TERM", "HUP"}) {
+    const Workplace place;
+    place.Write("in", Noise().substr(0, 5000));
+    // In the foreground, for a shell makes its background jobs deaf to SIGINT.
+    const Ended ended = place.Shell(
+        "mkfifo pipe; exec 3<>pipe; cat in >&3\n"
+        "{ while [ -z \"$(ls -A | grep part)\" ]; do sleep 0.01; done; kill -" +
+        std::string(signal) +
+        " $(cat ../job); } &\n"
+        "R2R=$R2R sh -c 'echo $$ >../job; exec \"$R2R\" convert - o.pgm <pipe'; status=$?; wait; (exit $status)");
+    EXPECT_EQ(ended.status, 130) << signal << ": " << ended.err;
+    EXPECT_EQ(place.Names(), (Names{"in", "pipe"})) << signal;
+  }
+}
+
+}  // namespace
+}  // namespace cvt::app::test

@@ -1,0 +1,70 @@
+#include "imageio/palette_file.h"
+
+#include <gtest/gtest.h>
+
+#include "support.h"
+
+namespace cvt::imageio::test {
+namespace {
+
+using pipeline::Code;
+
+std::string Lines(int count) {
+  std::string lines;
+  for (int i = 0; i < count; ++i) lines += "010203\n";
+  return lines;
+}
+
+struct Case {
+  const char* what;
+  const char* name;
+  std::string text;
+  Code code;
+  const char* expected;  // hex of the colours, or what the message says
+};
+
+const Case kCases[] = {
+    {"hex", "a.hex", "ff0000\n#00FF7f\n\n0000ff", Code::Ok, "ff000000ff7f0000ff"},
+    {"hex with CRLF and blanks", "a.HEX", "ff0000 \r\n\r\n  00ff00\r\n", Code::Ok, "ff000000ff00"},
+    {"gpl", "a.gpl", "GIMP Palette\nName: Two\nColumns: 2\n# note\n255   0 7\tRed\n  1 2\t3\n", Code::Ok,
+     "ff0007010203"},
+    {"gpl with CRLF", "a.gpl", "GIMP Palette\r\n1 2 3 dark\r\n\r\n", Code::Ok, "010203"},
+    {"short hex", "a.hex", "ff0000\n\nff00\n", Code::Input, "line 3"},
+    {"hex with a sign", "a.hex", "-f0000\n", Code::Input, "line 1"},
+    {"hex with more behind", "a.hex", "ff0000 red\n", Code::Input, "line 1"},
+    {"gpl without its first line", "a.gpl", "1 2 3\n", Code::Input, "line 1"},
+    {"gpl with 256", "a.gpl", "GIMP Palette\n1 2 3\n1 256 3\n", Code::Input, "line 3"},
+    {"gpl with two numbers", "a.gpl", "GIMP Palette\n1 2 red\n", Code::Input, "line 2"},
+    {"gpl with a fraction", "a.gpl", "GIMP Palette\n1 2.5 3\n", Code::Input, "line 2"},
+    {"257 colours", "a.hex", Lines(257), Code::Input, "line 257"},
+    {"no colours", "a.hex", "\n", Code::Input, "no colours"},
+    {"another suffix", "a.txt", "ff0000\n", Code::Usage, ".gpl or .hex"}};
+
+TEST(PaletteFile, GivesItsColoursOrTheLineThatIsWrong) {
+  const Folder folder;
+  for (const Case& c : kCases) {
+    std::vector<IRGB> palette;
+    const pipeline::Status status = ReadPalette(folder.Write(c.name, c.text), &palette);
+    ASSERT_EQ(status.code, c.code) << c.what << ": " << status.message;
+    if (c.code == Code::Ok) {
+      EXPECT_EQ(Hex(palette), c.expected) << c.what;
+    } else {
+      EXPECT_NE(status.message.find(c.expected), std::string::npos) << c.what << ": " << status.message;
+    }
+  }
+}
+
+TEST(PaletteFile, Takes256Colours) {
+  const Folder folder;
+  std::vector<IRGB> palette;
+  ASSERT_EQ(ReadPalette(folder.Write("a.hex", Lines(256)), &palette).message, "");
+  EXPECT_EQ(palette.size(), 256U);
+}
+
+TEST(PaletteFile, IsMissing) {
+  std::vector<IRGB> palette;
+  EXPECT_EQ(ReadPalette(Folder().Path("none.gpl"), &palette).code, Code::Input);
+}
+
+}  // namespace
+}  // namespace cvt::imageio::test

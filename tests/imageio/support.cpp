@@ -1,0 +1,135 @@
+#include "support.h"
+
+#include <stdlib.h>
+#include <zlib.h>
+
+#include <algorithm>
+#include <fstream>
+#include <iterator>
+
+namespace cvt::imageio::test {
+
+namespace {
+
+std::string Word(std::size_t value) {
+  std::string word;
+  for (int shift = 24; shift >= 0; shift -= 8) word += static_cast<char>(value >> shift & 255);
+  return word;
+}
+
+}  // namespace
+
+Folder::Folder() {
+  std::string name = (std::filesystem::temp_directory_path() / "imageio-XXXXXX").string();
+  path = ::mkdtemp(name.data());
+}
+
+Folder::~Folder() { std::filesystem::remove_all(path); }
+
+std::string Folder::Write(const std::string& name, const std::string& bytes) const {
+  std::ofstream(path / name, std::ios::binary) << bytes;
+  return Path(name);
+}
+
+std::string Folder::Read(const std::string& name) const {
+  std::ifstream file(path / name, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+std::vector<std::string> Folder::Names() const {
+  std::vector<std::string> names;
+  for (const auto& entry : std::filesystem::directory_iterator(path)) names.push_back(entry.path().filename());
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+std::string Bytes(std::string_view hex) {
+  std::string digits;
+  std::copy_if(hex.begin(), hex.end(), std::back_inserter(digits), [](char c) { return c != ' '; });
+  std::string bytes;
+  for (std::size_t i = 0; i < digits.size(); i += 2) {
+    bytes += static_cast<char>(std::stoi(digits.substr(i, 2), nullptr, 16));
+  }
+  return bytes;
+}
+
+std::string Hex(std::string_view bytes) {
+  constexpr char kDigits[] = "0123456789abcdef";
+  std::string hex;
+  for (const char c : bytes) {
+    hex += kDigits[static_cast<unsigned char>(c) >> 4];
+    hex += kDigits[static_cast<unsigned char>(c) & 15];
+  }
+  return hex;
+}
+
+std::string Hex(const std::vector<IRGB>& colors) {
+  std::string bytes;
+  for (const IRGB& c : colors) {
+    for (const std::uint8_t level : {c.red, c.green, c.blue}) bytes += static_cast<char>(level);
+  }
+  return Hex(bytes);
+}
+
+std::string Chunk(const std::string& type, const std::string& data) {
+  const std::string summed = type + data;
+  const auto* bytes = reinterpret_cast<const Bytef*>(summed.data());
+  return Word(data.size()) + summed + Word(crc32(0, bytes, static_cast<uInt>(summed.size())));
+}
+
+std::string Png(const PngParts& parts) {
+  std::string packed(compressBound(parts.scan.size()), '\0');
+  uLongf size = packed.size();
+  compress(reinterpret_cast<Bytef*>(packed.data()), &size, reinterpret_cast<const Bytef*>(parts.scan.data()),
+           parts.scan.size());
+  packed.resize(size);
+  const std::string header = Word(static_cast<std::size_t>(parts.width)) +
+                             Word(static_cast<std::size_t>(parts.height)) + static_cast<char>(parts.bits) +
+                             static_cast<char>(parts.colorType) + std::string(2, '\0') +
+                             static_cast<char>(parts.interlace);
+  return Bytes("89504e470d0a1a0a") + Chunk("IHDR", header) + parts.chunks + Chunk("IDAT", packed) +
+         Chunk("IEND", "");
+}
+
+Loaded Load(const std::string& path, const ReadOptions& options) {
+  Loaded loaded;
+  pipeline::RowSource source;
+  loaded.status = OpenImage(path, options, &source);
+  if (Failed(loaded.status)) return loaded;
+  loaded.image = source.image;
+  std::vector<std::uint8_t> row(pipeline::RowBytes(source.image));
+  const int tail = source.image.width * pipeline::StoredBits(source.image.depth) % 8;
+  for (std::int32_t y = 0; y < source.image.height; ++y) {
+    loaded.status = source.read(row.data());
+    if (Failed(loaded.status)) return loaded;
+    if (tail != 0) row.back() = static_cast<std::uint8_t>(row.back() >> (8 - tail) << (8 - tail));
+    loaded.rows.push_back(Hex({reinterpret_cast<const char*>(row.data()), row.size()}));
+  }
+  return loaded;
+}
+
+pipeline::Status Save(const std::string& path, const WriteOptions& options, const pipeline::Image& image,
+                      const std::vector<std::string>& rowsHex) {
+  pipeline::RowSink sink;
+  if (pipeline::Status failed = CreateImage(path, options, &sink); Failed(failed)) return failed;
+  if (pipeline::Status failed = sink.begin(image); Failed(failed)) return failed;
+  for (std::size_t y = 0; y < rowsHex.size(); ++y) {
+    const std::string row = Bytes(rowsHex[y]);
+    pipeline::Status failed =
+        sink.write(static_cast<std::int32_t>(y), reinterpret_cast<const std::uint8_t*>(row.data()));
+    if (Failed(failed)) return failed;
+  }
+  return sink.end();
+}
+
+std::vector<IRGB> Colors(std::string_view hex) {
+  const std::string bytes = Bytes(hex);
+  std::vector<IRGB> colors;
+  for (std::size_t i = 0; i < bytes.size(); i += 3) {
+    const auto level = [&](std::size_t k) { return static_cast<std::uint8_t>(bytes[i + k]); };
+    colors.push_back({level(0), level(1), level(2)});
+  }
+  return colors;
+}
+
+}  // namespace cvt::imageio::test

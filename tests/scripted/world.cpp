@@ -1,0 +1,168 @@
+#include "tests/scripted/world.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <random>
+
+struct tagOpList {
+  std::uint8_t unused;
+};
+
+namespace cvt::test {
+
+namespace {
+
+constexpr std::int64_t kSourceName = -1, kDestinationName = -2, kContextName = -3, kTableName = -4, kListName = -5,
+                       kNextName = -6, kStranger = -99;
+thread_local World* current = nullptr;
+
+void FillFresh(std::uint8_t* base, std::uint32_t size, std::uint32_t ordinal) {
+  for (std::uint32_t i = 0; i < size; ++i) base[i] = static_cast<std::uint8_t>(0x5A + 7 * i + 31 * ordinal);
+}
+
+void PutWord(std::uint8_t* at, std::uint32_t value) {
+  at[0] = static_cast<std::uint8_t>(value);
+  at[1] = static_cast<std::uint8_t>(value >> 8);
+}
+
+}  // namespace
+
+IRGB* SharedPalette() {
+  static std::vector<IRGB> palette = [] {
+    std::vector<IRGB> made(kPaletteEntries);
+    std::mt19937 dice(17);
+    for (IRGB& c : made) {
+      const auto bits = static_cast<std::uint32_t>(dice());
+      c = {static_cast<std::uint8_t>(bits), static_cast<std::uint8_t>(bits >> 8),
+           static_cast<std::uint8_t>(bits >> 16)};
+    }
+    return made;
+  }();
+  return palette.data();
+}
+
+std::uint8_t* SharedTable() {
+  static std::vector<std::uint8_t> table = [] {
+    std::vector<std::uint8_t> made(kTableBytes);
+    std::mt19937 dice(18);
+    for (std::uint8_t& b : made) b = static_cast<std::uint8_t>(dice());
+    return made;
+  }();
+  return table.data();
+}
+
+tagOpList* SharedList() {
+  static tagOpList list{};
+  return &list;
+}
+
+std::int64_t Hash(const void* data, std::size_t bytes, std::uint64_t seed) {
+  const auto* at = static_cast<const std::uint8_t*>(data);
+  std::uint64_t sum = 14695981039346656037u ^ seed;
+  for (std::size_t i = 0; i < bytes; ++i) sum = (sum ^ at[i]) * 1099511628211u;
+  return static_cast<std::int64_t>(sum >> 16);
+}
+
+World::World(const Script& what, std::uint16_t capacity, const std::vector<std::int16_t>& errorRow)
+    : script(what),
+      runLengths(capacity, 0xEEEE),
+      values(capacity, 0xEEEEEEEE),
+      errors(errorRow),
+      stageSlot(&stage) {
+  current = this;
+  stage.bandLimit = 65535;
+  next = {&stageSlot, &nextBand, nullptr};
+  context.runLengths = runLengths.data();
+  context.values = values.data();
+  context.runCount = capacity;
+  context.errorRow = errors.data();
+  context.searchTable = SharedTable();
+  context.next = &next;
+  context.convertProc = ScriptedConvert;
+}
+
+World::~World() {
+  while (!live_.empty()) Release(live_.begin()->second.base);
+  current = nullptr;
+}
+
+World& World::Here() { return *current; }
+
+tagRasterPacked* World::MakeBand(const BandPlan& plan) {
+  const auto body = static_cast<std::uint32_t>(kBandHeaderBytes + plan.pixels.size());
+  std::uint8_t* base = Take(body + kBandPrefixBytes, BlockKind::CallersBand);
+  PutWord(base, plan.planes ? kPlaneBand : kPackedBand);
+  PutWord(base + 2, body);
+  const std::uint32_t planeBytes = ((plan.width + 15u) >> 3 & ~1u) * plan.lineCount;
+  const std::array<std::uint32_t, 6> header = {plan.left,      plan.top,   plan.width,
+                                               plan.lineCount, plan.depth, plan.planes ? planeBytes : 0x7777};
+  for (std::size_t i = 0; i < header.size(); ++i) PutWord(base + 4 + 2 * i, header[i]);
+  if (!plan.pixels.empty()) std::memcpy(base + 16, plan.pixels.data(), plan.pixels.size());
+  return reinterpret_cast<tagRasterPacked*>(base + kBandPrefixBytes);
+}
+
+// Every block is a malloc block of exactly the size asked for, so that a sanitizer sees the first byte
+// beyond either end.
+std::uint8_t* World::Take(std::uint32_t size, BlockKind kind) {
+  if (size > kLargestBlock) return nullptr;
+  auto* base = static_cast<std::uint8_t*>(std::malloc(size));
+  FillFresh(base, size, ++ordinals_);
+  live_[base] = {base, size, ordinals_, kind};
+  return base;
+}
+
+bool World::Release(void* base) {
+  const auto found = live_.find(base);
+  if (found == live_.end()) return false;
+  std::memset(found->second.base, 0xDD, found->second.size);
+  std::free(found->second.base);
+  live_.erase(found);
+  return true;
+}
+
+Block* World::Holding(const void* inside) {
+  auto found = live_.upper_bound(inside);
+  if (found == live_.begin()) return nullptr;
+  Block& block = (--found)->second;
+  const auto* at = static_cast<const std::uint8_t*>(inside);
+  return at <= block.base + block.size ? &block : nullptr;
+}
+
+std::int64_t World::Identify(const void* what) const {
+  if (what == nullptr) return 0;
+  if (what == &source) return kSourceName;
+  if (what == &destination) return kDestinationName;
+  if (what == &context) return kContextName;
+  if (what == SharedTable()) return kTableName;
+  if (what == SharedList()) return kListName;
+  if (what == &next) return kNextName;
+  auto found = live_.upper_bound(what);
+  if (found == live_.begin()) return kStranger;
+  const Block& block = (--found)->second;
+  const bool isBand = block.kind == BlockKind::Band || block.kind == BlockKind::CallersBand;
+  return what == block.base + (isBand ? kBandPrefixBytes : 0) ? block.ordinal : kStranger;
+}
+
+std::vector<std::uint8_t> World::BytesOf(const void* band) {
+  const Block* block = Holding(band);
+  if (block == nullptr) return {};
+  return {block->base, block->base + block->size};
+}
+
+std::int64_t World::ErrorRowHash() const {
+  return script.watchesErrorRow ? Hash(errors.data(), errors.size() * 2) : 0;
+}
+
+std::vector<std::string> World::LeftAllocated() const {
+  static constexpr std::array<const char*, 4> kNames = {"heap block", "band", "descriptor copy", "caller's band"};
+  std::map<std::uint32_t, std::string> byOrdinal;
+  for (const auto& [base, block] : live_)
+    if (block.kind != BlockKind::CallersBand)
+      byOrdinal[block.ordinal] = std::string(kNames[static_cast<std::size_t>(block.kind)]) + " of " +
+                                 std::to_string(block.size) + " bytes";
+  std::vector<std::string> left;
+  for (const auto& [ordinal, text] : byOrdinal) left.push_back(text);
+  return left;
+}
+
+}  // namespace cvt::test
