@@ -6,22 +6,35 @@
 #include <cmath>
 #include <new>
 
+#include "host/conversion_tables.h"
 #include "host/op_list.h"
 #include "host/state.h"
 
 namespace cvt::host {
 namespace {
 
-bool IsIndexed(const tagIGFD* image) { return (image->colorFlags & kIndexedColor) != 0; }
-
 bool HasUsableColors(const tagIGFD* image) {
   if (image == nullptr) return false;
   return !IsIndexed(image) || (image->palette != nullptr && image->bitsPerPixel >= 1 && image->bitsPerPixel <= 8);
 }
 
+// The fixed block is read as 64 thresholds, whatever the dimensions say.
+bool HasUsableMatrix(const ConversionSetup& setup) {
+  if (setup.ditherMatrix == nullptr) return true;
+  const int places = setup.ditherWidth * setup.ditherHeight;
+  return places >= (setup.halftoneMethod == kFixedBlock ? 64 : 1);
+}
+
+// Buffers of scaled lines are as wide as lineCapacity.
+bool HasRoomToScale(const ConversionSetup& setup) {
+  return !MayScale(setup) ||
+         std::max(std::int32_t{setup.source->imageWidth}, std::int32_t{setup.destination->imageWidth}) <= setup.lineCapacity;
+}
+
 bool CanBeMet(const ConversionSetup& setup) {
   return HasUsableColors(setup.source) && HasUsableColors(setup.destination) && setup.lineCapacity != 0 &&
-         setup.next != nullptr && setup.bandLimit != 0 && setup.gamma > 0 && std::isfinite(setup.gamma);
+         setup.next != nullptr && setup.bandLimit != 0 && setup.gamma > 0 && std::isfinite(setup.gamma) &&
+         HasUsableMatrix(setup) && HasRoomToScale(setup);
 }
 
 // Whether values keep their meaning. For one bit a pixel that is a question of which value is the lighter
@@ -67,40 +80,10 @@ bool AddState(tagCRLA* context, const ConversionSetup& setup) {
   return true;
 }
 
-// Three entries for every column, and a few to spare for a routine that looks one pixel further.
-bool AddErrorRow(tagCRLA* context, std::uint16_t columns) {
-  constexpr std::uint32_t kSpareColumns = 4;
-  const std::uint32_t entries = 3 * (columns + kSpareColumns);
-  context->errorRow = static_cast<std::int16_t*>(SioAllocSMem(entries * std::uint32_t{sizeof(std::int16_t)}));
-  if (context->errorRow == nullptr) return false;
-  std::fill_n(context->errorRow, entries, std::int16_t{0});
-  return true;
-}
-
-// A direct-colour destination is not searched and has no tables.
-bool AddTables(tagCRLA* context, const ConversionSetup& setup) {
-  if (!IsIndexed(setup.destination)) return true;
-  HostState* state = StateOf(context);
-  const Palette destination = PaletteOf(setup.destination);
-  const MonoRule rule{setup.threshold, setup.invertMono};
-  const bool gray = AllGray(destination);
-  const std::size_t tableBytes = gray ? kGrayLevels : kCubeCells;
-  auto* table = static_cast<std::uint8_t*>(SioAllocSMem(static_cast<std::uint32_t>(tableBytes)));
-  if (table == nullptr) return false;
-  if (gray)
-    BuildGrayTable(destination, rule, table);
-  else
-    BuildCube(destination, rule, table);
-  if (IsIndexed(setup.source)) BuildSnapMap(PaletteOf(setup.source), destination, rule, state->snapMap);
-  state->searchTable = table;
-  context->searchTable = table;
-  context->grayPalette = gray ? kGrayRamp : 0;
-  return true;
-}
-
 void SetChoices(tagCRLA* context, const ConversionSetup& setup) {
   context->convertProc = Cvtr2r;
   context->halftoneMethod = setup.halftoneMethod;
+  context->scaleDownMethod = setup.scaleDownMethod;
   context->invertMono = setup.invertMono ? 1 : 0;
   context->sameColorMap = SameColors(setup.source, setup.destination) ? 1 : 0;
   context->gammaActive = setup.gamma != 1.0 ? 1 : 0;
@@ -117,7 +100,8 @@ tagCRLA* OpenConversion(const ConversionSetup& setup) {
   if (!CanBeMet(setup)) return nullptr;
   tagCRLA* context = CreateContext(setup.lineCapacity);
   if (context == nullptr) return nullptr;
-  if (!AddState(context, setup) || !AddErrorRow(context, setup.lineCapacity) || !AddTables(context, setup)) {
+  if (!AddState(context, setup) || !AddErrorRow(context, setup) || !AddSearchTables(context, setup) ||
+      !AddDitherTables(context, setup) || !AddScalingLines(context, setup)) {
     CloseConversion(context);
     return nullptr;
   }
@@ -130,7 +114,10 @@ void* UserOf(const tagCRLA* context) { return StateOf(context)->user; }
 void CloseConversion(tagCRLA* context) {
   if (context == nullptr) return;
   if (HostState* state = StateOf(context)) {
-    SioFreeSMem(state->searchTable);
+    for (void* table : {static_cast<void*>(state->searchTable), static_cast<void*>(state->ditherMatrix),
+                        static_cast<void*>(state->ditherSteps), static_cast<void*>(state->cubeTable),
+                        static_cast<void*>(state->smoothLine), static_cast<void*>(state->smoothSums)})
+      SioFreeSMem(table);
     SioFreeSMem(state);
   }
   CvtDestroyCRLA(context);

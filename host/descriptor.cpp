@@ -16,8 +16,7 @@ tagIGFD* CVT_CALL CvtDupIGFD(tagIGFD* descriptor) {
 void CVT_CALL CvtDisposeIGFD(tagIGFD* copy) { SioFreeSMem(copy); }
 
 std::uint16_t CVT_CALL CvtIsGray(tagIGFD* descriptor, std::int32_t /*mode*/) {
-  const bool indexed = (descriptor->colorFlags & kIndexedColor) != 0;
-  return indexed && AllGray(PaletteOf(descriptor)) ? 1 : 0;
+  return IsIndexed(descriptor) && AllGray(PaletteOf(descriptor)) ? 1 : 0;
 }
 
 std::int32_t CVT_CALL CvtClosestRGB(IRGB* color, tagIGFD* descriptor) {

@@ -13,7 +13,14 @@ struct HostState {
   tagRasterPacked* band;  // the band that the next stage is to take
   NextStage run;
   void* user;
-  std::uint8_t* searchTable;  // gray table or cube, or null
+  // Blocks that CloseConversion releases, or null. The context's fields of these names are copies: what
+  // becomes of those is the business of whoever drives the conversion.
+  std::uint8_t* searchTable;
+  std::uint8_t* ditherMatrix;
+  std::uint8_t* ditherSteps;
+  std::uint8_t* cubeTable;
+  std::uint32_t* smoothLine;
+  std::uint32_t* smoothSums;
   std::uint8_t snapMap[kMostEntries];
   std::uint8_t toneCurve[kGrayLevels];
 };

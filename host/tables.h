@@ -28,6 +28,9 @@ struct MonoRule {
   bool invert;             // then swap black and white
 };
 
+/// Whether pixel values are indices of a palette.
+inline bool IsIndexed(const tagIGFD* image) { return (image->colorFlags & kIndexedColor) != 0; }
+
 /// The colours of an indexed descriptor, 1 << bitsPerPixel of them.
 Palette PaletteOf(const tagIGFD* descriptor);
 

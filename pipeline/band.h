@@ -3,8 +3,9 @@
 
 #include <cstdint>
 #include <cstring>
+#include <memory>
 
-#include "cvt/records.h"
+#include "cvt/host.h"
 #include "pipeline/image.h"
 
 namespace cvt::pipeline {
@@ -33,6 +34,28 @@ inline Layout LayoutOf(const tagRasterPacked* band) {
   std::uint16_t code = 0;
   std::memcpy(&code, reinterpret_cast<const std::uint8_t*>(band) - kBandPrefixBytes, sizeof code);
   return code == kPlaneBand ? Layout::Planes : Layout::Packed;
+}
+
+struct FreeBand {
+  void operator()(tagRasterPacked* band) const {
+    SioFreeSMem(reinterpret_cast<std::uint8_t*>(band) - kBandPrefixBytes);
+  }
+};
+using OwnedBand = std::unique_ptr<tagRasterPacked, FreeBand>;
+
+/// A block for a band of up to `bytes` bytes of pixels; null when memory is exhausted.
+inline OwnedBand NewBand(std::int32_t bytes) {
+  return OwnedBand(static_cast<tagRasterPacked*>(
+      SioCreateOp(kPackedBand, static_cast<std::uint32_t>(bytes) + kBandHeaderBytes)));
+}
+
+/// Labels a block as a band of `layout` and clears its header.
+inline void LabelBand(Layout layout, std::int32_t bytes, tagRasterPacked* band) {
+  const std::uint16_t prefix[2] = {
+      layout == Layout::Planes ? kPlaneBand : kPackedBand,
+      static_cast<std::uint16_t>(static_cast<std::uint32_t>(bytes) + kBandHeaderBytes)};
+  std::memcpy(reinterpret_cast<std::uint8_t*>(band) - kBandPrefixBytes, prefix, sizeof prefix);
+  *band = {};
 }
 
 }  // namespace cvt::pipeline

@@ -1,8 +1,8 @@
 // One conversion from start to end: rows in, settings, rows out. What an application calls.
 //
 // Sets up descriptors, context, tables and buffers for the library, plans bands that stay within its
-// limits, pumps them through Cvtr2r and gives everything back, whatever happens. Memory does not depend
-// on the height of the image.
+// limits, pumps them through Cvtr2r and gives everything back, whatever happens. Where one chain of
+// conversions cannot do it, several follow one another. Memory does not depend on the height of the image.
 #pragma once
 
 #include <cstdint>
@@ -14,17 +14,39 @@
 
 namespace cvt::pipeline {
 
-enum class Halftone : std::uint8_t { Nearest, Diffusion };
+enum class Halftone : std::uint8_t { Nearest, Diffusion, Ordered };
+enum class Reduce : std::uint8_t { Keep, Decimate, Smooth };  // thin features kept, sampled, area averaged
+enum class Enlarge : std::uint8_t { Replicate, Smooth };
+
+/// A rectangle of the source image; width 0: the whole image.
+struct Crop {
+  std::int32_t x = 0, y = 0, width = 0, height = 0;
+};
+
+/// Thresholds of ordered dither, row by row; a pixel lighter than its threshold moves up. Width and height
+/// are 1 to 255. Empty: the 8 x 8 matrix of dispersed dots.
+struct Thresholds {
+  std::int32_t width = 0, height = 0;
+  std::vector<std::uint8_t> values;
+};
 
 /// What to make of the image.
 struct Settings {
-  std::int32_t depth = 1;                 // bits in an output pixel, 1 to 8
-  std::vector<IRGB> palette;              // output colours, at most 1 << depth; order is kept
-  Halftone halftone = Halftone::Nearest;  // Diffusion needs depth 1
-  std::int32_t threshold = 128;           // depth 1, Nearest: white from this gray level up, 0 to 256
-  bool invert = false;                    // swap black and white: match the negative
-  Layout layout = Layout::Packed;         // of the last band and of the rows that the sink gets
-  std::int32_t bandLines = 0;             // most lines in a band, 0: as many as fit (results do not depend on it)
+  std::int32_t depth = 1;                 // bits in an output pixel: 1 to 8, or 24 for direct colour
+  std::vector<IRGB> palette = {};         // output colours, at most 1 << depth, order kept; none for direct colour
+  std::vector<IRGB> writtenPalette = {};  // colours that the output tells for its values; none: palette
+  Halftone halftone = Halftone::Nearest;
+  Thresholds thresholds = {};          // for Halftone::Ordered
+  std::int32_t threshold = 128;        // depth 1, Nearest: white from this gray level up, 0 to 256
+  double gamma = 1.0;                  // tone curve before reduction
+  bool invert = false;                 // swap black and white: match the negative
+  Layout layout = Layout::Packed;      // of the last band and of the rows that the sink gets
+  Crop crop = {};                      // cut out before anything else
+  std::int32_t width = 0, height = 0;  // new size; 0: as it is
+  Reduce reduce = Reduce::Smooth;
+  Enlarge enlarge = Enlarge::Replicate;
+  IRGB keepColor{0, 0, 0};     // Reduce::Keep: the colour whose runs never vanish
+  std::int32_t bandLines = 0;  // most lines in a band, 0: as many as fit (results do not depend on it)
 };
 
 /// Converts all rows of `source` and writes them to `sink`.

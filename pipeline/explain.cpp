@@ -1,25 +1,13 @@
-// The chain told link by link, as it runs: one blank band goes through it, watched.
+// The chains told link by link, as they run: blank rows go through each stage, watched, until its first band
+// has gone down the chain.
 
-#include <cstring>
 #include <string>
 
-#include "pipeline/chain.h"
 #include "pipeline/convert.h"
+#include "pipeline/stage.h"
 
 namespace cvt::pipeline {
 namespace {
-
-RowSource Blank(const Image& image) {
-  return {image, [bytes = RowBytes(image)](std::uint8_t* row) {
-            std::memset(row, 0, bytes);
-            return Ok();
-          }};
-}
-
-RowSink Nowhere() {
-  return {[](const Image&) { return Ok(); }, [](std::int32_t, const std::uint8_t*) { return Ok(); },
-          [] { return Ok(); }};
-}
 
 std::string Many(std::int32_t count, const char* what) {
   return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
@@ -29,20 +17,20 @@ std::string Size(std::int32_t width, std::int32_t height) {
   return std::to_string(width) + " x " + std::to_string(height);
 }
 
-std::string Pixels(Layout layout, std::int32_t bits) {
-  return layout == Layout::Planes ? Many(bits, "plane") : Many(bits, "bit") + " packed";
+std::string Pixels(const LinkSeen& link) {
+  return link.layout == Layout::Planes ? Many(link.bits, "plane") : Many(link.bits, "bit") + " packed";
 }
 
 std::string Bands(const LinkSeen& link, std::int32_t bands) {
   return Many(bands, "band") + " of up to " + Many(link.lines, "line") + ", " + Many(link.bytes, "byte");
 }
 
-const char* IntakeNote(Intake intake) {
-  switch (intake) {
-    case Intake::WidenBits:
-      return "1 bit widened to 8, so that its colours are looked at; ";
+const char* IntakeNote(const Entry& entry) {
+  switch (entry.intake) {
+    case Intake::Widened:
+      return "indices widened to 8 bits; ";
     case Intake::GrayLevels:
-      return "colour as 256 grays; ";
+      return entry.image.depth == kDirectDepth ? "colour as 256 grays; " : "";
     case Intake::DirectWords:
       return "colour as 32-bit words; ";
     case Intake::AsStored:
@@ -51,25 +39,58 @@ const char* IntakeNote(Intake intake) {
   return "";
 }
 
-// What turned the band of one link into the band of the next.
-const char* Conversion(const Settings& settings, const LinkSeen& before, const LinkSeen& after) {
-  if (settings.halftone == Halftone::Diffusion && before.bits != 1) return "error diffusion";
-  return before.bits == 1 && after.bits == 1 ? "relabelling" : "nearest colour";
+const char* ScalingStep(const Stage& stage, const LinkSeen& before, const LinkSeen& after) {
+  if (stage.smooth) return "smooth scaling";
+  const bool width = before.width != after.width;
+  if (before.width > after.width || before.height > after.height) {
+    if (stage.scaleDownMethod == kDecimate) return width ? "decimate width" : "decimate height";
+    return width ? "reduce width" : "reduce height";
+  }
+  return width ? "enlarge width" : "enlarge height";
 }
 
-std::vector<std::string> Tell(const Plan& plan, const Settings& settings, const std::vector<LinkSeen>& links) {
-  const std::int32_t bands = (plan.input.height + plan.bandLines - 1) / plan.bandLines;
-  std::vector<std::string> lines;
-  for (std::size_t i = 0; i < links.size(); ++i) {
-    const LinkSeen& link = links[i];
-    const std::string what = i == 0 ? std::string("source: ") + IntakeNote(plan.intake)
-                                    : std::string(Conversion(settings, links[i - 1], link)) + ": ";
-    lines.push_back(what + Size(link.width, link.height) + ", " + Pixels(link.layout, link.bits) + ", " +
-                    Bands(link, i == 0 ? bands : link.bands) + (i == 0 ? "" : " from each band"));
+const char* DepthStep(const Stage& stage, const LinkSeen& before, const LinkSeen& after) {
+  if (before.bits == 1 && after.bits == 1) return "relabelling";
+  if (stage.wantedColors.empty()) return "direct colour";
+  if (stage.halftoneMethod == kDiffusion) return "error diffusion";
+  return stage.halftoneMethod == kNearest ? "nearest colour" : "ordered dither";
+}
+
+// What turned the band of one link into the band of the next.
+const char* StepName(const Stage& stage, const LinkSeen& before, const LinkSeen& after) {
+  if (before.width == after.width && before.height == after.height) return DepthStep(stage, before, after);
+  return stage.crop.width > 0 ? "clip" : ScalingStep(stage, before, after);
+}
+
+std::int32_t BandsOf(const Stage& stage) {
+  std::int32_t bands = 0;
+  for (std::int32_t top = 0; top < stage.entry.image.height; top += LinesFrom(stage, top)) ++bands;
+  return bands;
+}
+
+void Tell(const Worker& worker, std::vector<std::string>* lines) {
+  for (std::size_t i = 0; i < worker.links.size(); ++i) {
+    const LinkSeen& link = worker.links[i];
+    const bool first = i == 0;
+    const std::string what = first ? std::string("source: ") + IntakeNote(worker.stage.entry)
+                                   : std::string(StepName(worker.stage, worker.links[i - 1], link)) + ": ";
+    lines->push_back(what + Size(link.width, link.height) + ", " + Pixels(link) + ", " +
+                     Bands(link, first ? BandsOf(worker.stage) : link.bands) + (first ? "" : " from one band"));
   }
-  lines.push_back("next stage: " + Many(plan.output.height, "row") + " of " +
-                  Many(static_cast<std::int32_t>(RowBytes(plan.output)), "byte"));
-  return lines;
+  lines->push_back("next stage: " + Many(worker.stage.output.height, "row") + " of " +
+                   Many(static_cast<std::int32_t>(RowBytes(worker.stage.output)), "byte"));
+}
+
+Status ExplainStage(const Stage& stage, std::vector<std::string>* lines) {
+  Worker worker;
+  worker.watched = true;
+  const auto drop = [](std::int32_t, const std::uint8_t*) { return Ok(); };
+  if (Status bad = StartWorker(stage, drop, &worker); Failed(bad)) return bad;
+  const std::vector<std::uint8_t> blank(RowBytes(stage.entry.image));
+  while (worker.top == 0)
+    if (Status bad = PushRow(&worker, blank.data()); Failed(bad)) return bad;
+  Tell(worker, lines);
+  return Ok();
 }
 
 }  // namespace
@@ -77,13 +98,9 @@ std::vector<std::string> Tell(const Plan& plan, const Settings& settings, const 
 Status Explain(const Image& image, const Settings& settings, std::vector<std::string>* lines) {
   Plan plan;
   if (Status bad = MakePlan(image, settings, &plan); Failed(bad)) return bad;
-  RowSource blank = Blank(image);
-  RowSink nowhere = Nowhere();
-  Chain chain;
-  if (Status bad = OpenChain(&plan, settings, &nowhere, &chain); Failed(bad)) return bad;
-  WatchLinks(&chain);
-  if (Status bad = SendBand(plan, &blank, 0, &chain); Failed(bad)) return bad;
-  *lines = Tell(plan, settings, chain.links);
+  lines->clear();
+  for (const Stage& stage : plan.stages)
+    if (Status bad = ExplainStage(stage, lines); Failed(bad)) return bad;
   return Ok();
 }
 

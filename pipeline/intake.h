@@ -2,6 +2,7 @@
 // ahead get right results from.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <vector>
 
@@ -11,23 +12,36 @@ namespace cvt::pipeline {
 
 enum class Intake : std::uint8_t {
   AsStored,     // palette indices, the row's bytes as they are, packed or in planes
-  WidenBits,    // indices of 1 bit become 8: a band of 1 bit would only be relabelled, its colours not looked at
-  GrayLevels,   // direct colour becomes one of 256 grays: the gray search looks at the red channel alone
-  DirectWords,  // direct colour becomes 32-bit words, blue lowest
+  Widened,      // palette indices in 8 bits: for bands of 1 bit, whose colours are not looked at otherwise,
+                // and for bands that would outgrow a block when they become deeper
+  GrayLevels,   // one of 256 grays: the gray search looks at the red channel alone, and averages need grays
+  DirectWords,  // direct colour in 32-bit words, blue lowest
 };
+
+/// What becomes of each channel value on its way in.
+using ToneCurve = std::array<std::uint8_t, 256>;
+
+/// Everything about how rows enter, worked out once.
+struct Entry {
+  Intake intake = Intake::AsStored;
+  Image image;  // what the source delivers
+  ToneCurve tone = {};
+  std::vector<IRGB> colors;           // of the band's values, one for each; empty for direct colour
+  std::vector<std::uint32_t> values;  // GrayLevels, DirectWords of an indexed image: band value of each index
+};
+
+Entry MakeEntry(Intake intake, const Image& image, const ToneCurve& tone);
 
 /// Depth in bits of the pixels that the band's descriptor names. Packed pixels fill the bits they are stored
 /// in: a value that a 3-bit image has no colour for is in the palette all the same.
-std::int32_t IntakeDepth(Intake intake, const Image& image);
+std::int32_t BandDepth(const Entry& entry);
 
 /// Layout of the band.
-Layout IntakeLayout(Intake intake, const Image& image);
-
-/// Colours of the band's pixel values, 1 << depth of them; empty for direct colour.
-std::vector<IRGB> IntakePalette(Intake intake, const Image& image);
+Layout BandLayout(const Entry& entry);
 
 /// Writes one row of the image, as its source delivered it, to line `line` of the band, counted from 0.
-/// A band of planes takes its plane size from its header.
-void TakeRow(Intake intake, const Image& image, const std::uint8_t* row, tagRasterPacked* band, std::int32_t line);
+/// A band of planes takes its plane size from its header. `indices` is scratch memory of a row.
+void TakeRow(const Entry& entry, const std::uint8_t* row, std::vector<std::uint8_t>* indices,
+             tagRasterPacked* band, std::int32_t line);
 
 }  // namespace cvt::pipeline

@@ -4,7 +4,6 @@
 
 #include "cvt/cvtr2r.h"
 #include "pipeline/band.h"
-#include "pipeline/chain.h"
 #include "pipeline/image.h"
 #include "pipeline/intake.h"
 
@@ -16,12 +15,10 @@ struct CloseCursor {
   void operator()(tagPackedData* cursor) const { CvtClosePackedPixel(cursor); }
 };
 
-using OwnedBand = std::unique_ptr<tagRasterPacked, FreeBand>;
-
 // Two bands of one line, and a line buffer between them.
 struct Repacker {
   RowSink sink;
-  Image planeRows;   // what comes in
+  Entry planeRows;   // how rows come in
   Image packedRows;  // what goes on
   OwnedBand planes;
   OwnedBand packed;
@@ -29,14 +26,14 @@ struct Repacker {
   std::unique_ptr<tagPackedData, CloseCursor> to;
   std::vector<std::uint16_t> runLengths;
   std::vector<std::uint32_t> values;
+  std::vector<std::uint8_t> scratch;
 };
 
 OwnedBand OneLine(Layout layout, std::int32_t width, std::int32_t bits) {
   const std::int32_t bytes = BandLineBytes(layout, width, bits);
-  OwnedBand band(static_cast<tagRasterPacked*>(SioCreateOp(layout == Layout::Planes ? kPlaneBand : kPackedBand,
-                                                           static_cast<std::uint32_t>(bytes) + kBandHeaderBytes)));
+  OwnedBand band = NewBand(bytes);
   if (band == nullptr) return band;
-  *band = {};
+  LabelBand(layout, bytes, band.get());
   band->width = static_cast<std::uint16_t>(width);
   band->lineCount = 1;
   band->bitsPerPixel = static_cast<std::uint16_t>(bits);
@@ -45,7 +42,7 @@ OwnedBand OneLine(Layout layout, std::int32_t width, std::int32_t bits) {
 }
 
 Status Begin(Repacker* repacker, const Image& image) {
-  repacker->planeRows = image;
+  repacker->planeRows = MakeEntry(Intake::AsStored, image, ToneCurve{});
   repacker->packedRows = image;
   repacker->packedRows.layout = Layout::Packed;
   repacker->planes = OneLine(Layout::Planes, image.width, image.depth);
@@ -61,7 +58,7 @@ Status Begin(Repacker* repacker, const Image& image) {
 }
 
 Status Write(Repacker* repacker, std::int32_t y, const std::uint8_t* row) {
-  TakeRow(Intake::AsStored, repacker->planeRows, row, repacker->planes.get(), 0);
+  TakeRow(repacker->planeRows, row, &repacker->scratch, repacker->planes.get(), 0);
   tagCRLA line{};
   line.runLengths = repacker->runLengths.data();
   line.values = repacker->values.data();

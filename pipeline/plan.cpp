@@ -1,72 +1,53 @@
 #include "pipeline/plan.h"
 
 #include <algorithm>
-#include <cstdlib>
-#include <string>
 
+#include "host/tables.h"
 #include "pipeline/band.h"
+#include "pipeline/limits.h"
 
 namespace cvt::pipeline {
 namespace {
 
-constexpr std::int32_t kLargestCoordinate = 65535;
 constexpr std::int32_t kMiddleThreshold = 128;
+constexpr std::uint8_t kOrdered = 0;  // neither nearest nor diffusion
+constexpr std::uint8_t kKeepFeatures = 0;
 
 bool SameColor(IRGB a, IRGB b) { return a.red == b.red && a.green == b.green && a.blue == b.blue; }
 
-bool IsGray(IRGB color) { return color.red == color.green && color.green == color.blue; }
+bool AllGray(const std::vector<IRGB>& colors) { return host::AllGray({colors.data(), colors.size()}); }
 
 IRGB Complement(IRGB color) {
   const auto invert = [](std::uint8_t channel) { return static_cast<std::uint8_t>(255 - channel); };
   return {invert(color.red), invert(color.green), invert(color.blue)};
 }
 
-Status CheckImage(const Image& image) {
-  if (image.width < 1 || image.height < 1)
-    return Fail(Code::Input, "the image has no pixels (nothing to convert)");
-  if (image.width > kLargestCoordinate || image.height > kLargestCoordinate)
-    return Fail(Code::Limit, std::to_string(image.width) + " x " + std::to_string(image.height) +
-                                 " pixels: neither side may exceed 65535 (cut the image into tiles first)");
-  const bool indexed = image.depth >= 1 && image.depth <= 8;
-  if (!indexed && image.layout == Layout::Planes)
-    return Fail(Code::Usage, "planes of direct colour cannot be read (give packed pixels)");
-  if (!indexed && image.depth != kDirectDepth)
-    return Fail(Code::Usage, std::to_string(image.depth) + " bits a pixel cannot be read (give 1 to 8, or 24)");
-  if (indexed && (image.palette.empty() || image.palette.size() > std::size_t{1} << image.depth))
-    return Fail(Code::Usage, "the image's palette does not fit its depth (give 1 to 2^depth colours)");
-  return Ok();
-}
+bool Shrinks(const Image& from, const Image& to) { return to.width < from.width || to.height < from.height; }
+bool Grows(const Image& from, const Image& to) { return to.width > from.width || to.height > from.height; }
 
-Status CheckSettings(const Settings& settings) {
-  if (settings.depth < 1 || settings.depth > 8)
-    return Fail(Code::Usage, "depth " + std::to_string(settings.depth) + " cannot be written (choose 1 to 8)");
-  if (settings.palette.empty() || settings.palette.size() > std::size_t{1} << settings.depth)
-    return Fail(Code::Usage, std::to_string(settings.palette.size()) + " colours do not fit a depth of " +
-                                 std::to_string(settings.depth) + " (choose another depth or palette)");
-  if (settings.threshold < 0 || settings.threshold > 256)
-    return Fail(Code::Usage,
-                "threshold " + std::to_string(settings.threshold) + " is no gray level (choose 0 to 256)");
-  if (settings.halftone == Halftone::Diffusion && settings.depth != 1)
-    return Fail(Code::Usage, "diffusion goes to 1 bit only (choose depth 1 or nearest colour)");
-  return Ok();
-}
-
-// A palette has a colour for every pixel value; the spare ones repeat the first, which is found before them.
-std::vector<IRGB> Padded(std::vector<IRGB> palette, std::int32_t depth) {
-  palette.resize(std::size_t{1} << depth, palette.front());
-  return palette;
-}
-
-// The colours that the routines match against. To invert is to match the negatives of the colours.
+// The colours that the routines match against; spare ones repeat the first, which is found before them. To
+// invert is to match the negatives of the colours.
 std::vector<IRGB> WantedColors(const Settings& settings) {
-  std::vector<IRGB> colors = Padded(settings.palette, settings.depth);
+  std::vector<IRGB> colors = settings.palette;
+  if (colors.empty()) return colors;
+  colors.resize(std::size_t{1} << settings.depth, colors.front());
   if (settings.invert) std::transform(colors.begin(), colors.end(), colors.begin(), Complement);
   return colors;
 }
 
+// What happens to channel values on their way in. Direct colour is not matched against anything, so that it
+// is inverted here.
+ToneCurve Tone(const Settings& settings) {
+  ToneCurve tone;
+  host::BuildGamma(settings.gamma, tone.data());
+  if (settings.invert && settings.depth == kDirectDepth)
+    for (std::uint8_t& level : tone) level = static_cast<std::uint8_t>(255 - level);
+  return tone;
+}
+
 // Whether one bit becomes one bit by keeping or swapping the two values.
 bool IsRelabelling(const Image& image, const Settings& settings, const std::vector<IRGB>& wanted) {
-  if (image.depth != 1 || settings.depth != 1 || image.palette.size() != 2) return false;
+  if (image.palette.size() != 2 || settings.gamma != 1.0) return false;
   if (settings.halftone == Halftone::Nearest && settings.threshold != kMiddleThreshold) return false;
   const IRGB zero = image.palette[0];
   const IRGB one = image.palette[1];
@@ -74,50 +55,187 @@ bool IsRelabelling(const Image& image, const Settings& settings, const std::vect
                                    (SameColor(zero, wanted[1]) && SameColor(one, wanted[0])));
 }
 
-Intake ChooseIntake(const Image& image, const Settings& settings, const std::vector<IRGB>& wanted) {
-  if (image.depth == kDirectDepth) {
-    const bool byGray = settings.depth == 1 || std::all_of(wanted.begin(), wanted.end(), IsGray);
-    return byGray ? Intake::GrayLevels : Intake::DirectWords;
+// Bands that are enlarged fill their blocks: they must not become deeper after that.
+bool Deepens(const Image& from, const Image& to) {
+  return Grows(from, to) && to.depth <= 8 && BandBits(to.layout, to.depth) > BandBits(from.layout, from.depth);
+}
+
+Intake ChooseIntake(const Image& image, const Stage& stage, const Settings& settings) {
+  const std::vector<IRGB>& wanted = stage.wantedColors;
+  const bool grayOutput = !wanted.empty() && (settings.depth == 1 || AllGray(wanted));
+  if (image.depth == kDirectDepth) return grayOutput ? Intake::GrayLevels : Intake::DirectWords;
+  if (stage.smooth) return grayOutput || AllGray(image.palette) ? Intake::GrayLevels : Intake::DirectWords;
+  if (image.depth == 1 && settings.depth == 1)
+    return IsRelabelling(image, settings, wanted) ? Intake::AsStored : Intake::Widened;
+  return Deepens(image, stage.output) ? Intake::Widened : Intake::AsStored;
+}
+
+std::uint8_t MethodOf(Halftone halftone) {
+  return halftone == Halftone::Nearest ? kNearest : halftone == Halftone::Diffusion ? kDiffusion : kOrdered;
+}
+
+bool ScalesSmoothly(const Image& from, const Image& to, const Settings& settings) {
+  return (Shrinks(from, to) && settings.reduce == Reduce::Smooth) ||
+         (Grows(from, to) && settings.enlarge == Enlarge::Smooth);
+}
+
+// The pixel value of the colour to keep. Values of direct colour reach 16 bits only where red is 0.
+Status FindKeepValue(const Settings& settings, Stage* stage) {
+  const IRGB color = settings.keepColor;
+  const std::vector<IRGB>& colors = stage->entry.colors;
+  if (!colors.empty()) {
+    stage->keepValue = static_cast<std::int16_t>(host::NearestEntry({colors.data(), colors.size()}, color));
+    return Ok();
   }
-  const bool wouldOnlyBeRelabelled = image.depth == 1 && settings.depth == 1;
-  return wouldOnlyBeRelabelled && !IsRelabelling(image, settings, wanted) ? Intake::WidenBits : Intake::AsStored;
+  if (color.red != 0 || color.green > 127)
+    return Fail(Code::Usage,
+                "this colour cannot be kept in an image of direct colour (keep black, or reduce smooth)");
+  stage->keepValue = static_cast<std::int16_t>(color.green << 8 | color.blue);
+  return Ok();
 }
 
-// Whether a line fits a band; `which` line, for the message.
-Status CheckLine(Layout layout, std::int32_t width, std::int32_t bits, const char* which) {
-  if (BandLineBytes(layout, width, bits) <= kBandBytes) return Ok();
-  constexpr std::int32_t kWords = kBandBytes / 2;
-  const std::int32_t most = layout == Layout::Planes ? kWords / bits * 16 : kWords * 16 / bits;
-  return Fail(Code::Limit, "a line of " + std::to_string(width) + " pixels of " + std::to_string(bits) + " bits" +
-                               which + " does not fit a band of " + std::to_string(kBandBytes) +
-                               " bytes (at most " + std::to_string(most) + " pixels do)");
+// Whether every source line ends where an output line ends.
+bool EndsWithEveryLine(const Stage& stage) { return stage.output.height % stage.entry.image.height == 0; }
+
+// Source lines that at the least must share a band so that an output line ends in it; averaging needs one
+// more to choose its cuts.
+std::int32_t FewestBandLines(const Stage& stage) {
+  const std::int32_t from = stage.entry.image.height, to = stage.output.height;
+  const std::int32_t group = to >= from ? 1 : (from + to - 1) / to;
+  return stage.smooth && !EndsWithEveryLine(stage) ? std::min(group + 1, from) : group;
 }
 
-Status PlanBands(const Image& image, const Settings& settings, Plan* plan) {
-  const Layout layout = IntakeLayout(plan->intake, image);
-  const std::int32_t sourceBits = BandBits(layout, IntakeDepth(plan->intake, image));
-  const std::int32_t outputBits = BandBits(settings.layout, settings.depth);
-  if (Status bad = CheckLine(layout, image.width, sourceBits, ""); Failed(bad)) return bad;
-  if (Status bad = CheckLine(settings.layout, image.width, outputBits, " of output"); Failed(bad)) return bad;
+// Neither a band nor, however it is split, what becomes of it may outgrow a block.
+std::int32_t MostBandLines(const Stage& stage, const Settings& settings) {
+  const Image& to = stage.output;
+  const Layout layout = BandLayout(stage.entry);
+  const std::int32_t bits = BandBits(layout, BandDepth(stage.entry));
+  const std::int32_t sourceLine = BandLineBytes(layout, stage.entry.image.width, bits);
+  const std::int32_t scaledLine = BandLineBytes(layout, to.width, bits);
+  const std::int32_t outputLine = BandLineBytes(to.layout, to.width, BandBits(to.layout, to.depth));
+  const std::int32_t most =
+      std::min(kBandBytes / std::max({sourceLine, scaledLine, outputLine}), stage.entry.image.height);
+  if (settings.bandLines == 0) return most;
+  return std::min(most, std::max(settings.bandLines, FewestBandLines(stage)));
+}
 
-  // Neither a band nor, however it is split, its output may outgrow a block.
-  plan->bandLines = std::min({kBandBytes / BandLineBytes(layout, image.width, sourceBits),
-                              kBandBytes / BandLineBytes(settings.layout, image.width, outputBits), image.height});
-  if (settings.bandLines > 0) plan->bandLines = std::min(plan->bandLines, settings.bandLines);
+// The stage from `image` to the output that `settings` ask for.
+Status FinalStage(const Image& image, const Settings& settings, Stage* stage) {
+  const std::int32_t width = settings.width > 0 ? settings.width : image.width;
+  const std::int32_t height = settings.height > 0 ? settings.height : image.height;
+  const std::vector<IRGB>& written = settings.writtenPalette.empty() ? settings.palette : settings.writtenPalette;
+  stage->output = {width, height, settings.depth, written, settings.layout};
+  stage->wantedColors = WantedColors(settings);
+  stage->halftoneMethod = MethodOf(settings.halftone);
+  stage->threshold = settings.threshold;
+  stage->thresholds = settings.thresholds;
+  stage->scaleDownMethod = settings.reduce == Reduce::Decimate ? kDecimate : kKeepFeatures;
+  stage->smooth = ScalesSmoothly(image, stage->output, settings);
+  stage->entry = MakeEntry(ChooseIntake(image, *stage, settings), image, Tone(settings));
+  if (Status bad = CheckScaling(*stage); Failed(bad)) return bad;
+  if (Status bad = CheckLines(*stage); Failed(bad)) return bad;
+  stage->bandLines = MostBandLines(*stage, settings);
+  if (!Shrinks(image, stage->output) || settings.reduce != Reduce::Keep) return Ok();
+  return FindKeepValue(settings, stage);
+}
+
+// Settings of a stage that leaves pixels as they are and only changes the geometry.
+Settings Unchanged(const Image& image, const Settings& settings) {
+  Settings same;
+  same.depth = image.depth;
+  same.palette = image.palette;
+  same.layout = image.layout;
+  same.reduce = settings.reduce;
+  same.keepColor = settings.keepColor;
+  same.bandLines = settings.bandLines;
+  return same;
+}
+
+Status AddCrop(const Settings& settings, Image* image, Plan* plan) {
+  if (Status bad = CheckCrop(*image, settings.crop); Failed(bad)) return bad;
+  Stage stage;
+  Settings same = Unchanged(*image, settings);
+  if (Status bad = FinalStage(*image, same, &stage); Failed(bad)) return bad;
+  if (image->depth <= 8) stage.entry = MakeEntry(Intake::AsStored, *image, Tone(same));
+  stage.crop = settings.crop;
+  stage.output.width = settings.crop.width;
+  stage.output.height = settings.crop.height;
+  plan->stages.push_back(stage);
+  *image = stage.output;
+  return Ok();
+}
+
+// A band holds too few lines for an output line to end in it: go part of the way first.
+//
+// The width goes first, since narrower lines make taller bands: all the way where pixels are sampled or
+// merged, as the routines would do next; by halves where they are averaged, of grays or direct colour, since
+// every average costs a little sharpness.
+Status AddStep(const Settings& settings, const Stage& last, Image* image, Plan* plan) {
+  Settings step = Unchanged(*image, settings);
+  step.width = std::min(image->width, last.output.width);
+  step.height = image->height;
+  if (last.smooth) {
+    const bool gray = last.entry.intake == Intake::GrayLevels;
+    step.depth = gray ? 8 : kDirectDepth;
+    step.palette = gray ? GrayRamp(8) : std::vector<IRGB>{};
+    step.layout = Layout::Packed;
+    step.gamma = settings.gamma;
+    step.width = std::min(image->width, std::max(last.output.width, (image->width + 1) / 2));
+    if (step.width == image->width && last.bandLines > 2) step.height = (image->height + 1) / 2;
+  }
+  if (step.width == image->width && step.height == image->height)
+    return Fail(Code::Limit, "the lines are too long to reduce the height so far at once (reduce in two steps)");
+  Stage stage;
+  if (Status bad = FinalStage(*image, step, &stage); Failed(bad)) return bad;
+  plan->stages.push_back(stage);
+  *image = stage.output;
   return Ok();
 }
 
 }  // namespace
 
+namespace {
+
+// Averaging loses step where a band ends together with an output line: its last line counts again in the
+// next band. Such cuts are avoided; where there are no others, the first line is a band of its own, and what
+// counts again is the edge.
+std::int32_t SmoothLinesFrom(const Stage& stage, std::int32_t top, std::int32_t lines) {
+  const std::int32_t height = stage.entry.image.height;
+  if (top + lines == height) return lines;
+  if (EndsWithEveryLine(stage)) return top == 0 ? 1 : lines;
+  return std::int64_t{top + lines} * stage.output.height % height == 0 ? lines - 1 : lines;
+}
+
+}  // namespace
+
+std::int32_t LinesFrom(const Stage& stage, std::int32_t top) {
+  const std::int32_t height = stage.entry.image.height, newHeight = stage.output.height;
+  const std::int32_t lines = std::min(stage.bandLines, height - top);
+  if (stage.smooth) return SmoothLinesFrom(stage, top, lines);
+  if (stage.crop.width > 0 || newHeight >= height) return lines;
+  // Output line k is made of the source lines from k * height / newHeight, rounded up.
+  const std::int64_t ended = std::int64_t{top + lines} * newHeight / height;
+  return static_cast<std::int32_t>((ended * height + newHeight - 1) / newHeight) - top;
+}
+
 Status MakePlan(const Image& image, const Settings& settings, Plan* plan) {
   if (Status bad = CheckImage(image); Failed(bad)) return bad;
   if (Status bad = CheckSettings(settings); Failed(bad)) return bad;
-  plan->input = image;
-  plan->wantedColors = WantedColors(settings);
-  plan->intake = ChooseIntake(image, settings, plan->wantedColors);
-  plan->sourceColors = IntakePalette(plan->intake, image);
-  plan->output = {image.width, image.height, settings.depth, settings.palette, settings.layout};
-  return PlanBands(image, settings, plan);
+  plan->stages.clear();
+  Image next = image;
+  Settings rest = settings;
+  if (settings.crop.width != 0 || settings.crop.height != 0)
+    if (Status bad = AddCrop(settings, &next, plan); Failed(bad)) return bad;
+  for (;;) {
+    Stage last;
+    if (Status bad = FinalStage(next, rest, &last); Failed(bad)) return bad;
+    if (last.bandLines >= FewestBandLines(last)) {
+      plan->stages.push_back(last);
+      return Ok();
+    }
+    if (Status bad = AddStep(rest, last, &next, plan); Failed(bad)) return bad;
+    if (last.smooth) rest.gamma = 1.0;  // the step has applied it
+  }
 }
 
 }  // namespace cvt::pipeline

@@ -1,5 +1,5 @@
-// What a conversion will be, settled before any work: the form in which rows enter, the colours that the
-// routines see, the height of the bands, and whether the image is within the limits at all.
+// What a conversion will be, settled before any work: the chains that follow one another, and for each the
+// form in which rows enter, what the routines are told, and where bands are cut.
 #pragma once
 
 #include <cstdint>
@@ -11,14 +11,28 @@
 
 namespace cvt::pipeline {
 
-struct Plan {
-  Intake intake = Intake::AsStored;
-  Image input;                     // what the source delivers
-  Image output;                    // what the sink gets
-  std::vector<IRGB> sourceColors;  // of the band's values; empty for direct colour
-  std::vector<IRGB> wantedColors;  // of the output's values as the routines see them
-  std::int32_t bandLines = 0;      // lines in every band but the last
+/// One chain: rows of `entry.image` come in, rows of `output` go out.
+struct Stage {
+  Entry entry;
+  Image output;
+  std::vector<IRGB> wantedColors;  // of the output's values as the routines see them; none for direct colour
+  Crop crop;                       // width 0: no clipping
+  std::uint8_t halftoneMethod = kNearest;
+  std::uint8_t scaleDownMethod = 0;
+  std::int32_t threshold = 128;
+  Thresholds thresholds;
+  bool smooth = false;
+  std::int16_t keepValue = 0;  // pixel value whose runs never vanish
+  std::int32_t bandLines = 0;  // most lines in a band
 };
+
+struct Plan {
+  std::vector<Stage> stages;  // at least one; the last gives what the sink gets
+};
+
+/// Lines of the band of `stage` that starts at line `top`: as many as there may be, but where lines merge
+/// or are sampled, cut where an output line ends, so that no output line is handed on twice.
+std::int32_t LinesFrom(const Stage& stage, std::int32_t top);
 
 /// Code::Usage or Code::Limit with the reason when the image cannot be converted so.
 Status MakePlan(const Image& image, const Settings& settings, Plan* plan);

@@ -234,12 +234,12 @@ TEST(Explain, TellsEveryLinkWithItsSizes) {
       {{100, 50, 8, GrayRamp(8)},
        {.depth = 1, .palette = GrayRamp(1), .halftone = Halftone::Diffusion, .layout = Layout::Planes},
        {"source: 100 x 50, 8 bits packed, 1 band of up to 50 lines, 5000 bytes",
-        "error diffusion: 100 x 50, 1 plane, 1 band of up to 50 lines, 700 bytes from each band",
+        "error diffusion: 100 x 50, 1 plane, 1 band of up to 50 lines, 700 bytes from one band",
         "next stage: 50 rows of 13 bytes"}},
       {{1000, 50, kDirectDepth},
        {.depth = 2, .palette = Distinct(4)},
        {"source: colour as 32-bit words; 1000 x 50, 32 bits packed, 4 bands of up to 16 lines, 64000 bytes",
-        "nearest colour: 1000 x 50, 2 bits packed, 1 band of up to 16 lines, 4000 bytes from each band",
+        "nearest colour: 1000 x 50, 2 bits packed, 1 band of up to 16 lines, 4000 bytes from one band",
         "next stage: 50 rows of 250 bytes"}},
   };
   for (const Case& c : kCases) {
