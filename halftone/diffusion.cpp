@@ -37,8 +37,9 @@ struct DiffuseMono {
 
   // Flattened: where the host is compiled in as well, its pixel writer becomes part of the loop.
   template <class Decode, class Inks>
-  [[gnu::flatten]] static void DiffuseLine(const Values& values, std::uint32_t entry, typename To::Cursor* output,
-                                           tagCRLA* context, std::uint16_t y) {
+  [[gnu::flatten, gnu::noinline]] static void DiffuseLine(const Values& values, std::uint32_t entry,
+                                                          typename To::Cursor* output, tagCRLA* context,
+                                                          std::uint16_t y) {
     const std::uint32_t runs = context->runCount;
     const std::uint16_t* lengths = context->runLengths;
     const std::uint32_t* colors = context->values;

@@ -23,7 +23,8 @@ struct DitherMono {
 
  private:
   template <class Decode, class Output>
-  static void DitherLine(const Values& values, Output* output, tagCRLA* context, std::uint16_t y) {
+  [[gnu::flatten, gnu::noinline]] static void DitherLine(const Values& values, Output* output, tagCRLA* context,
+                                                         std::uint16_t y) {
     const std::uint32_t runs = context->runCount;
     const std::uint16_t* lengths = context->runLengths;
     const std::uint32_t* colors = context->values;

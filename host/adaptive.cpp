@@ -253,8 +253,8 @@ std::vector<IRGB> ChoosePalette(const ColorCounts& counts, std::size_t howMany) 
     groups = ChooseGroups(counts, samples, howMany);
   else
     for (const Sample& sample : samples) groups.push_back(counts.cells[sample.cell]);
-  std::vector<IRGB> palette;
-  for (const ColorCell& group : groups) palette.push_back(MeanColor(group));
+  std::vector<IRGB> palette(groups.size());
+  std::transform(groups.begin(), groups.end(), palette.begin(), MeanColor);
   std::sort(palette.begin(), palette.end(), [](IRGB a, IRGB b) { return SortKey(a) < SortKey(b); });
   return palette;
 }

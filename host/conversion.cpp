@@ -27,8 +27,8 @@ bool HasUsableMatrix(const ConversionSetup& setup) {
 
 // Buffers of scaled lines are as wide as lineCapacity.
 bool HasRoomToScale(const ConversionSetup& setup) {
-  return !MayScale(setup) ||
-         std::max(std::int32_t{setup.source->imageWidth}, std::int32_t{setup.destination->imageWidth}) <= setup.lineCapacity;
+  return !MayScale(setup) || std::max(std::int32_t{setup.source->imageWidth},
+                                      std::int32_t{setup.destination->imageWidth}) <= setup.lineCapacity;
 }
 
 bool CanBeMet(const ConversionSetup& setup) {

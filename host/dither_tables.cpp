@@ -3,6 +3,7 @@
 #include "host/dither_tables.h"
 
 #include <algorithm>
+#include <cstdlib>
 
 #include "host/bits.h"
 
@@ -11,31 +12,34 @@ namespace {
 
 constexpr std::int32_t kFarthest = 255;
 
-// The greatest x with 2 * x * along < length: a neighbour's way has that squared length, and goes so far along
-// the direction.
-constexpr std::int32_t StepTo(std::int32_t squaredLength, std::int32_t along) {
-  return (squaredLength - 1) / (2 * along);
-}
-static_assert(StepTo(85 * 85, 85) == 42 && StepTo(86 * 86, 86) == 42);
-
-void BuildGraySteps(Palette palette, std::size_t entry, std::uint8_t* steps) {
-  std::int32_t up = kFarthest + 1, down = kFarthest + 1;
-  for (std::size_t i = 0; i < palette.count; ++i) {
-    const std::int32_t away = palette.colors[i].red - palette.colors[entry].red;
-    if (away > 0) up = std::min(up, away);
-    if (away < 0) down = std::min(down, -away);
-  }
-  steps[0] = up > kFarthest ? 0 : Low8(static_cast<std::uint32_t>(StepTo(up * up, up)));
-  steps[1] = down > kFarthest ? 0 : Low8(static_cast<std::uint32_t>(StepTo(down * down, down)));
-}
-
-// Divisions are few: a way is compared with the best so far by products.
+// The way to another entry: its squared length, and how far it goes along a direction, 0 or more.
 struct Way {
   std::int32_t squaredLength, along;
 };
 
-constexpr bool IsMetSooner(Way a, Way b) { return a.squaredLength * b.along < b.squaredLength * a.along; }
 constexpr Way kNeverMet{3 * 255 * 255, 0};
+
+// Divisions are few: a way is compared with the best so far by products.
+constexpr bool IsMetSooner(Way a, Way b) { return a.squaredLength * b.along < b.squaredLength * a.along; }
+
+// The greatest x with 2 * x * along < squaredLength.
+constexpr std::uint8_t StepOf(Way way) {
+  if (way.along == 0) return 0;
+  return Low8(static_cast<std::uint32_t>(std::min(kFarthest, (way.squaredLength - 1) / (2 * way.along))));
+}
+static_assert(StepOf({85 * 85, 85}) == 42 && StepOf({86 * 86, 86}) == 42 && StepOf(kNeverMet) == 0);
+
+void BuildGraySteps(Palette palette, std::size_t entry, std::uint8_t* steps) {
+  Way up = kNeverMet, down = kNeverMet;
+  for (std::size_t i = 0; i < palette.count; ++i) {
+    const std::int32_t away = palette.colors[i].red - palette.colors[entry].red;
+    const Way way{away * away, std::abs(away)};
+    if (away > 0 && IsMetSooner(way, up)) up = way;
+    if (away < 0 && IsMetSooner(way, down)) down = way;
+  }
+  steps[0] = StepOf(up);
+  steps[1] = StepOf(down);
+}
 
 void NoteWay(IRGB from, IRGB to, Way* first) {
   const std::int32_t red = to.red - from.red, green = to.green - from.green, blue = to.blue - from.blue;
@@ -52,14 +56,7 @@ void BuildColorSteps(Palette palette, std::size_t entry, std::uint8_t* steps) {
   Way first[kColorSteps];
   std::fill_n(first, kColorSteps, kNeverMet);
   for (std::size_t i = 0; i < palette.count; ++i) NoteWay(palette.colors[entry], palette.colors[i], first);
-  for (std::size_t o = 0; o < kColorSteps; ++o) {
-    if (first[o].along == 0) {
-      steps[o] = 0;
-      continue;
-    }
-    const std::int32_t step = std::min(kFarthest, StepTo(first[o].squaredLength, first[o].along));
-    steps[o] = Low8(static_cast<std::uint32_t>(step));
-  }
+  for (std::size_t o = 0; o < kColorSteps; ++o) steps[o] = StepOf(first[o]);
 }
 
 }  // namespace

@@ -66,14 +66,13 @@ std::int32_t ClusterOrder(const Screen& screen, std::size_t place) {
 }
 
 Matrix MakeCluster(const Screen& screen) {
-  const auto places = static_cast<std::size_t>(screen.size * screen.size);
+  const std::size_t side = static_cast<std::uint32_t>(screen.size), places = side * side;
   std::vector<std::size_t> ranked(places);
   std::iota(ranked.begin(), ranked.end(), std::size_t{0});
   std::stable_sort(ranked.begin(), ranked.end(), [&screen](std::size_t a, std::size_t b) {
     return ClusterOrder(screen, a) < ClusterOrder(screen, b);
   });
-  const std::uint8_t size = Low8(static_cast<std::uint32_t>(screen.size));
-  Matrix matrix{size, size, std::vector<std::uint8_t>(places)};
+  Matrix matrix{Low8(side), Low8(side), std::vector<std::uint8_t>(places)};
   for (std::uint32_t rank = 0; rank < places; ++rank)
     matrix.values[ranked[rank]] = ThresholdOf(rank, static_cast<std::uint32_t>(places));
   return matrix;

@@ -31,19 +31,32 @@ bool AllOnes(const std::uint16_t* lengths, std::size_t count) {
   return true;
 }
 
-// Hands the line to put(first pixel, values, count) if all its runs are one pixel, otherwise each run to
-// fill(span, value).
-template <class Put, class Fill>
-void WriteLine(Span span, const tagCRLA* context, Put put, Fill fill) {
+std::size_t PixelsIn(const std::uint16_t* lengths, std::size_t count) {
+  std::size_t pixels = 0;
+  for (std::size_t k = 0; k < count; ++k) pixels += lengths[k];
+  return pixels;
+}
+
+// Hands the line to put(first pixel, values, count) if all its runs are one pixel; otherwise the short runs
+// one by one to one(pixel, value), the others to fill(span, value). Lines that were reduced in width are
+// runs of one pixel and of none in no order: both are written, and the next run goes over a run of none.
+template <class Put, class One, class Fill>
+void WriteLine(Span span, const tagCRLA* context, Put put, One one, Fill fill) {
   const std::uint16_t* lengths = context->runLengths;
   const std::uint32_t* values = context->values;
   const std::size_t count = context->runCount;
   const std::size_t shown = std::min(count, span.end - span.first);
   if (AllOnes(lengths, shown)) return put(span.first, values, shown);
-  for (std::size_t k = 0, at = span.first; k < count && at < span.end; ++k) {
-    const std::size_t end = std::min(span.end, at + lengths[k]);
-    fill(Span{at, end}, values[k]);
-    at = end;
+  const std::size_t last = std::min(span.end, span.first + PixelsIn(lengths, count));
+  for (std::size_t k = 0, at = span.first; at < last; ++k) {
+    if (lengths[k] <= 1) {
+      one(at, values[k]);
+      at += lengths[k];
+    } else {
+      const std::size_t end = std::min(last, at + lengths[k]);
+      fill(Span{at, end}, values[k]);
+      at = end;
+    }
   }
 }
 
@@ -135,6 +148,7 @@ void WriteOneBit(std::uint8_t* row, Span span, const tagCRLA* context) {
       [row](std::size_t first, const std::uint32_t* values, std::size_t count) {
         PutOneBit(row, {first, first + count}, values);
       },
+      [row](std::size_t x, std::uint32_t value) { MergeBits(row + x / 8, 0x80U >> x % 8, BitPattern(value)); },
       [row](Span run, std::uint32_t value) { FillBits(row, run, BitPattern(value)); });
 }
 
@@ -143,6 +157,10 @@ void WritePlanes(std::uint8_t* row, std::size_t planeBytes, unsigned planes, Spa
       span, context,
       [=](std::size_t first, const std::uint32_t* values, std::size_t count) {
         PutPlanes(row, planeBytes, planes, {first, first + count}, values);
+      },
+      [=](std::size_t x, std::uint32_t value) {
+        for (unsigned k = 0; k < planes; ++k)
+          MergeBits(row + k * planeBytes + x / 8, 0x80U >> x % 8, BitPattern(value >> k));
       },
       [=](Span run, std::uint32_t value) {
         for (unsigned k = 0; k < planes; ++k) FillBits(row + k * planeBytes, run, BitPattern(value >> k));
@@ -157,6 +175,10 @@ void WriteNarrow(std::uint8_t* row, Span span, const tagCRLA* context) {
       [row](std::size_t first, const std::uint32_t* values, std::size_t count) {
         PutNarrow<kBits>(row, {first, first + count}, values);
       },
+      [row](std::size_t x, std::uint32_t value) {
+        const std::size_t shift = 8 - kBits - x * kBits % 8;
+        MergeBits(row + x * kBits / 8, static_cast<std::uint32_t>(kMask << shift), value << shift);
+      },
       [row](Span run, std::uint32_t value) {
         FillBits(row, {run.first * kBits, run.end * kBits}, Low8((value & kMask) * kRepeat));
       });
@@ -170,6 +192,7 @@ void WriteWords(std::uint8_t* row, Span span, const tagCRLA* context) {
         std::uint8_t* to = row + first * sizeof(Word);
         for (std::size_t i = 0; i < count; ++i) StorePixel(to + i * sizeof(Word), static_cast<Word>(values[i]));
       },
+      [row](std::size_t x, std::uint32_t value) { StorePixel(row + x * sizeof(Word), static_cast<Word>(value)); },
       [row](Span run, std::uint32_t value) {
         for (std::size_t i = run.first; i < run.end; ++i)
           StorePixel(row + i * sizeof(Word), static_cast<Word>(value));

@@ -38,8 +38,9 @@ struct DiffuseColor {
       std::is_same_v<From, Planes> ? ChannelOrder::RedLowest : ChannelOrder::BlueLowest;
 
   template <class Search, class Decode>
-  static void DiffuseLine(const Values& values, std::uint16_t left, typename To::Cursor* output, tagCRLA* context,
-                          std::uint16_t y) {
+  [[gnu::flatten, gnu::noinline]] static void DiffuseLine(const Values& values, std::uint16_t left,
+                                                          typename To::Cursor* output, tagCRLA* context,
+                                                          std::uint16_t y) {
     const std::uint32_t runs = context->runCount;
     const std::uint16_t* lengths = context->runLengths;
     const std::uint32_t* colors = context->values;

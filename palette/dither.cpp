@@ -31,8 +31,8 @@ struct DitherPixels {
 
   // The pattern lies one column to the left of the image: a pixel has the next column's threshold.
   template <class Decode, class Output>
-  static void DitherLine(const Source& source, std::uint16_t x, Output* output, tagCRLA* context,
-                         std::uint16_t y) {
+  [[gnu::flatten, gnu::noinline]] static void DitherLine(const Source& source, std::uint16_t x, Output* output,
+                                                         tagCRLA* context, std::uint16_t y) {
     const std::uint32_t runs = context->runCount;
     const std::uint16_t* lengths = context->runLengths;
     const std::uint32_t* colors = context->values;

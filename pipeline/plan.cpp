@@ -97,12 +97,13 @@ Status FindKeepValue(const Settings& settings, Stage* stage) {
 // Whether every source line ends where an output line ends.
 bool EndsWithEveryLine(const Stage& stage) { return stage.output.height % stage.entry.image.height == 0; }
 
-// Source lines that at the least must share a band so that an output line ends in it; averaging needs one
-// more to choose its cuts.
+// Source lines that at the least must share a band so that an output line ends in it. Averaging needs one
+// more to choose its cuts from, where a band of the fewest lines would end together with an output line.
 std::int32_t FewestBandLines(const Stage& stage) {
   const std::int32_t from = stage.entry.image.height, to = stage.output.height;
   const std::int32_t group = to >= from ? 1 : (from + to - 1) / to;
-  return stage.smooth && !EndsWithEveryLine(stage) ? std::min(group + 1, from) : group;
+  const bool needsChoice = to > from || from % to == 0;
+  return stage.smooth && !EndsWithEveryLine(stage) && needsChoice ? std::min(group + 1, from) : group;
 }
 
 // Neither a band nor, however it is split, what becomes of it may outgrow a block.

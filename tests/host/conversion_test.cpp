@@ -7,47 +7,14 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
-#include <vector>
 
 #include "host/heap.h"
 #include "host/op_list.h"
+#include "host/uniform_cube.h"
+#include "setups.h"
 
 namespace cvt::host {
 namespace {
-
-using Colors = std::vector<IRGB>;
-
-std::int16_t CVT_CALL GoOn(std::uint32_t) { return 0; }
-
-std::int16_t NoteBand(void* user, tagRasterPacked* band) {
-  *static_cast<tagRasterPacked**>(user) = band;
-  return band->lineCount == 99 ? -77 : 0;
-}
-
-tagIGFD Image(Colors& colors, std::uint8_t bits, std::uint8_t flags = kIndexedColor) {
-  tagIGFD image{};
-  image.progressProc = GoOn;
-  image.rasterKind = kPackedKind;
-  image.imageWidth = 9;
-  image.imageHeight = 1;
-  image.bitsPerPixel = bits;
-  image.colorFlags = flags;
-  image.palette = colors.data();
-  return image;
-}
-
-Colors blackWhite = {{0, 0, 0}, {255, 255, 255}}, whiteBlack = {{255, 255, 255}, {0, 0, 0}},
-       redYellow = {{200, 0, 0}, {255, 255, 0}}, colorful = {{0, 0, 0}, {255, 0, 0}, {0, 255, 0}, {9, 9, 9}},
-       shuffled = {{255, 0, 0}, {0, 0, 0}, {0, 255, 0}, {9, 9, 9}};
-
-ConversionSetup SetupOf(const tagIGFD& source, const tagIGFD& destination) {
-  ConversionSetup setup;
-  setup.source = &source;
-  setup.destination = &destination;
-  setup.lineCapacity = 100;
-  setup.next = NoteBand;
-  return setup;
-}
 
 TEST(Conversion, SetsEveryFieldThatCvtr2rReads) {
   const tagIGFD source = Image(colorful, 2), destination = Image(shuffled, 2);
@@ -114,10 +81,11 @@ TEST(Conversion, AppliesItsToneCurveToDirectColor) {
 }
 
 TEST(Conversion, RefusesWhatItCannotMeet) {
-  tagIGFD good = Image(colorful, 2), noPalette = good, noBits = good, deep = good;
+  tagIGFD good = Image(colorful, 2), noPalette = good, noBits = good, deep = good, tooWide = good;
   noPalette.palette = nullptr;
   noBits.bitsPerPixel = 0;
   deep.bitsPerPixel = 9;
+  tooWide.imageWidth = 101;
   const HeapUse before = heapUse;
   const auto refuses = [&](auto change) {
     ConversionSetup setup = SetupOf(good, good);
@@ -131,27 +99,48 @@ TEST(Conversion, RefusesWhatItCannotMeet) {
   EXPECT_TRUE(refuses([](ConversionSetup& s) { s.lineCapacity = 0; }));
   EXPECT_TRUE(refuses([](ConversionSetup& s) { s.next = nullptr; }));
   EXPECT_TRUE(refuses([](ConversionSetup& s) { s.bandLimit = 0; }));
+  EXPECT_TRUE(refuses([&](ConversionSetup& s) { s.destination = &tooWide; }));
+  const std::uint8_t matrix[64] = {};
+  const auto refusesMatrix = [&](std::uint8_t method, std::uint8_t width, std::uint8_t height) {
+    return refuses([&](ConversionSetup& s) {
+      s.halftoneMethod = method;
+      s.ditherMatrix = matrix;
+      s.ditherWidth = width;
+      s.ditherHeight = height;
+    });
+  };
+  EXPECT_TRUE(refusesMatrix(0, 0, 8) && refusesMatrix(0, 8, 0) && refusesMatrix(kFixedBlock, 7, 9));
   for (double gamma : {0.0, -1.0, std::nan(""), static_cast<double>(INFINITY)})
     EXPECT_TRUE(refuses([gamma](ConversionSetup& s) { s.gamma = gamma; })) << gamma;
   EXPECT_EQ(heapUse.liveBlocks, before.liveBlocks);
 }
 
-TEST(Conversion, LeavesNothingWhicheverAllocationFails) {
-  const tagIGFD source = Image(colorful, 2), destination = Image(shuffled, 2);
+// Opens with one allocation after the other failing, until none does; how many there are.
+int AllocationsOf(const ConversionSetup& setup) {
   const HeapUse before = heapUse;
-  int failures = 0;
-  for (;; ++failures) {
+  for (int failures = 0;; ++failures) {
     heapUse.failIn = failures + 1;
-    tagCRLA* context = OpenConversion(SetupOf(source, destination));
+    tagCRLA* context = OpenConversion(setup);
     const bool untouched = heapUse.failIn != 0;
     heapUse.failIn = 0;
     EXPECT_EQ(context != nullptr, untouched) << failures;
     CloseConversion(context);
     EXPECT_EQ(heapUse.liveBlocks, before.liveBlocks) << failures;
     EXPECT_EQ(heapUse.liveBytes, before.liveBytes) << failures;
-    if (untouched) break;
+    if (untouched) return failures;
   }
-  EXPECT_EQ(failures, 6);  // context, two run arrays, state, error row, search table
+}
+
+TEST(Conversion, LeavesNothingWhicheverAllocationFails) {
+  Colors cube = UniformCube(2);
+  const tagIGFD source = Image(colorful, 2), same = Image(shuffled, 2);
+  tagIGFD taller = Image(cube, 3);
+  taller.imageHeight = 2;
+  EXPECT_EQ(AllocationsOf(SetupOf(source, same)), 6);  // context, two run arrays, state, error row, search table
+  ConversionSetup setup = SetupOf(source, taller);
+  EXPECT_EQ(AllocationsOf(setup), 6 + 4);  // and two held lines, two smooth ones
+  setup.halftoneMethod = 0;
+  EXPECT_EQ(AllocationsOf(setup), 6 + 4 + 3);  // and matrix, steps, cube table
 }
 
 TEST(Conversion, HandsTheBandInItsSlotToTheNextStage) {
