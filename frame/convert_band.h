@@ -16,6 +16,7 @@
 #include "frame/access.h"
 #include "frame/families.h"
 #include "frame/layout.h"
+#include "frame/new_band.h"
 #include "frame/split.h"
 
 namespace cvt {
@@ -84,9 +85,6 @@ constexpr SubBands SplitBand(std::uint32_t bandLines, std::uint8_t source, std::
   return SplitEvenly(bandLines, depths.output, depths.source);
 }
 
-// Bytes of one plane of plane output.
-constexpr std::uint32_t PlaneBytes(std::uint32_t width, std::uint32_t lines) { return RowBytes(width, 1) * lines; }
-
 // Bytes of pixels that a sub-band is allocated with. The truncations are what hosts see; bands that they
 // would cut never reach a routine from a careful host.
 template <Family kFamily, class From, class To>
@@ -98,25 +96,6 @@ constexpr std::uint32_t PixelBytes(std::uint32_t width, std::uint32_t depth, std
   if constexpr (kFamily.target == Target::DirectColor) return (RowBytes(width, depth) & 0xFFFE) * lines;
   const std::uint32_t bytes = RowBytes(width, depth) * lines;
   return std::is_same_v<From, Packed> ? Low16(bytes) : bytes;
-}
-
-struct SubBandShape {
-  std::uint16_t left, top, width, lines;
-  std::uint32_t depth;
-};
-
-template <Family kFamily, class From, class To>
-typename To::Band* CreateSubBand(SubBandShape shape) {
-  const std::uint32_t bytes = PixelBytes<kFamily, From, To>(shape.width, shape.depth, shape.lines);
-  auto* band = static_cast<typename To::Band*>(SioCreateOp(To::kOperation, bytes + kBandHeaderBytes));
-  if (band == nullptr) return nullptr;
-  band->left = shape.left;
-  band->top = shape.top;
-  band->width = shape.width;
-  band->lineCount = shape.lines;
-  band->bitsPerPixel = Low16(shape.depth);
-  if constexpr (std::is_same_v<To, Planes>) band->planeBytes = Low16(PlaneBytes(shape.width, shape.lines));
-  return band;
 }
 
 template <Family kFamily, class Rule, class From, class To>
@@ -135,9 +114,9 @@ CvtStatus ConvertLines(const typename Rule::Values& values, typename From::Curso
 // Makes, converts, hands on and frees one sub-band. After a failure everything taken stands in *held, for
 // the family's policy to be applied once, by the caller.
 template <Family kFamily, class Rule, class From, class To>
-CvtStatus ConvertSubBand(const typename Rule::Values& values, SubBandShape shape, Held<From, To>* held,
+CvtStatus ConvertSubBand(const typename Rule::Values& values, const BandShape& shape, Held<From, To>* held,
                          tagIGFD* source, tagIGFD* destination, tagCRLA* context) {
-  auto* band = CreateSubBand<kFamily, From, To>(shape);
+  auto* band = CreateBand<To>(shape, PixelBytes<kFamily, From, To>(shape.width, shape.depth, shape.lines));
   if (band == nullptr) return GiveUp<kFamily.noMemory>(*held, kCvtNoMemory);
   PutBand(&held->band, band);
   held->output = OpenCursor(band);
@@ -171,8 +150,8 @@ CvtStatus ConvertBand(typename From::Band** slot, tagIGFD* source, tagIGFD* dest
       SplitBand<kFamily.target, From, To>(band->lineCount, source->bitsPerPixel, destination->bitsPerPixel);
   const auto values = Rule::Prepare(source, destination, context);
   for (std::uint32_t i = 0; i < parts.count; ++i) {
-    const SubBandShape shape{band->left, Low16(band->top + FirstLineOf(parts, i)), band->width,
-                             Low16(LinesOf(parts, i, band->lineCount)), depths.output};
+    const BandShape shape{band->left, band->top + FirstLineOf(parts, i), band->width,
+                          LinesOf(parts, i, band->lineCount), depths.output};
     const CvtStatus status = ConvertSubBand<kFamily, Rule>(values, shape, &held, source, destination, context);
     if (status != kCvtOk) return status;
   }

@@ -91,10 +91,9 @@ CvtStatus Perform(Step step, tagRasterPacked** band, tagIGFD* source, tagIGFD* d
     case Step::ColorDitherByteByte:
       return CvtColorDitherByteByte(band, source, destination, context);
     case Step::PassThrough:
-      return PassThrough(BandAt<tagRasterPacked>(band), source, destination, context);
-    default:
-      return kCvtNoRoutine;
+      break;
   }
+  return PassThrough(BandAt<tagRasterPacked>(band), source, destination, context);
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include "frame/access.h"
 #include "frame/ints.h"
 #include "frame/layout.h"
+#include "frame/new_band.h"
 
 namespace cvt {
 
@@ -25,33 +26,12 @@ constexpr std::int32_t Rescale(std::int32_t position, Ratio ratio) {
 
 static_assert(Rescale(6, {10, 4}) == 2 && Rescale(-3, {2, 1}) == -1 && Rescale(65536, {1, 65536}) == 0);
 
-struct OutputShape {
-  std::uint32_t left, top;  // low 16 bits count
-  std::uint32_t width;      // that rows are made for; low 16 bits go to the header
-  std::uint32_t lines;      // that the band is made for; low 16 bits go to the header
-  std::uint32_t depth;
-};
-
 // Bytes of pixels of an output band. Packed rows are cut to 16 bits; bands that this would hurt never come
 // from a careful host.
 template <class To>
-constexpr std::uint32_t BytesFor(const OutputShape& shape) {
+constexpr std::uint32_t BytesFor(const BandShape& shape) {
   const std::uint32_t row = RowBytes(shape.width, To::BitsInRow(shape.depth));
   return std::is_same_v<To, Planes> ? row * shape.lines * shape.depth : Low16(row) * shape.lines;
-}
-
-template <class To>
-typename To::Band* CreateBand(const OutputShape& shape) {
-  auto* band =
-      static_cast<typename To::Band*>(SioCreateOp(To::kOperation, BytesFor<To>(shape) + kBandHeaderBytes));
-  if (band == nullptr) return nullptr;
-  band->left = Low16(shape.left);
-  band->top = Low16(shape.top);
-  band->width = Low16(shape.width);
-  band->lineCount = Low16(shape.lines);
-  band->bitsPerPixel = Low16(shape.depth);
-  if constexpr (std::is_same_v<To, Planes>) band->planeBytes = Low16(RowBytes(shape.width, 1) * shape.lines);
-  return band;
 }
 
 template <class To>
@@ -61,8 +41,8 @@ struct Output {
 };
 
 template <class To>
-Output<To> MakeOutput(const OutputShape& shape) {
-  auto* band = CreateBand<To>(shape);
+Output<To> MakeOutput(const BandShape& shape) {
+  auto* band = CreateBand<To>(shape, BytesFor<To>(shape));
   return {band, band == nullptr ? nullptr : OpenCursor(band)};
 }
 

@@ -45,9 +45,9 @@ typename Layout::Band* DecimateHeight(void* slot, Ratio ratio, tagCRLA* context)
   if (input == nullptr) return nullptr;
   RoundDepth(band);
   const ReducedLines lines = ReducedLinesOf(band->top, band->lineCount, ratio);
-  const OutputShape shape{band->left, lines.top, band->width, lines.count, band->bitsPerPixel};
+  const BandShape shape{band->left, lines.top, band->width, lines.count, band->bitsPerPixel};
   if (lines.count == 0) {
-    auto* empty = CreateBand<Layout>(shape);
+    auto* empty = CreateBand<Layout>(shape, BytesFor<Layout>(shape));
     if (empty != nullptr) CloseCursor(input);
     return empty;
   }

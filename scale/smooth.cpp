@@ -78,8 +78,8 @@ tagRasterPacked* PrepareAs(void* slot, tagIGFD* source, tagIGFD* prepared, tagCR
   if (input == nullptr) return nullptr;
 
   const std::uint32_t part = *index;
-  const OutputShape shape{band->left, band->top + FirstLineOf(parts, part), band->width,
-                          LinesOf(parts, part, lines), Form::kDepth};
+  const BandShape shape{band->left, band->top + FirstLineOf(parts, part), band->width, LinesOf(parts, part, lines),
+                        Form::kDepth};
   const Output<Packed> output = MakeOutput<Packed>(shape);
   if (output.cursor == nullptr) return nullptr;
   const PrepareRule rule = RuleOf<Form>(source, prepared, context);

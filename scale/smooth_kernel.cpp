@@ -148,7 +148,7 @@ SmoothPlan PlanOutput(const tagRasterPacked* band, const Smoothing& at) {
 }
 
 template <class Word>
-CvtStatus BuildSubBand(Smoothing* at, const OutputShape& shape, Place place, tagIGFD* copy, tagIGFD* destination) {
+CvtStatus BuildSubBand(Smoothing* at, const BandShape& shape, Place place, tagIGFD* copy, tagIGFD* destination) {
   if (BytesFor<Packed>(shape) == 0) return kCvtOk;
   const Output<Packed> output = MakeOutput<Packed>(shape);
   if (output.cursor == nullptr) return kCvtNoMemory;
@@ -169,7 +169,7 @@ CvtStatus BuildBand(const tagRasterPacked* band, Smoothing* at, tagIGFD* copy, t
     const std::uint16_t top = Low16(plan.first + FirstLineOf(plan.parts, k));
     const std::uint32_t lines = place == Place::Last ? Low16(plan.end - top) : plan.parts.lines;
     const std::uint32_t left = at->across.to * Unsigned32(SignExtend16(band->left)) / at->across.from;
-    const OutputShape shape{left, top, at->across.to, lines, Word::kDepth};
+    const BandShape shape{left, top, at->across.to, lines, Word::kDepth};
     if (const CvtStatus status = BuildSubBand<Word>(at, shape, place, copy, destination); status != kCvtOk)
       return status;
   }

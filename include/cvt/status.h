@@ -17,8 +17,6 @@ inline constexpr CvtStatus kCvtStopped = -1011;        // the source's progress 
 inline constexpr CvtStatus kCvtWrongDepth = -1025;     // the short-cut diffusion got a band of 4 bits or less
 inline constexpr CvtStatus kCvtNextStageFull = -1034;  // the next stage's operation list can take no more
 
-inline constexpr CvtStatus kCvtNoRoutine = -1099;     // this build has no routine for the step that is due
-
 // Errors of an operation list that the pass-through reports as kCvtNextStageFull.
 inline constexpr CvtStatus kSioListClosed = -254;
 inline constexpr CvtStatus kSioListFull = -1008;
