@@ -1,24 +1,35 @@
 #include "app/choose.h"
 
-#include <optional>
-#include <string_view>
+#include <algorithm>
+#include <string>
 
-#include "imageio/palette_file.h"
+#include "app/matrices.h"
+#include "host/uniform_cube.h"
+#include "imageio/palette_kind.h"
 
 namespace cvt::app {
 
 using imageio::Format;
+using pipeline::Enlarge;
 using pipeline::Halftone;
 using pipeline::Image;
+using pipeline::Reduce;
 using pipeline::Settings;
 
 namespace {
 
-using Kind = PaletteWish::Kind;
+// Where the output's colours come from.
+enum class Colors : std::uint8_t { Direct, Own, BlackAndWhite, Gray, Cube, Adaptive, Given };
 
-constexpr IRGB kBlack{0, 0, 0};
-constexpr IRGB kWhite{255, 255, 255};
-constexpr std::size_t kMaxColors = 256;
+// What is known when a default is to be chosen.
+struct Job {
+  const Arguments& arguments;
+  const PaletteWish& wish;
+  const Image& image;
+  Format format;
+  bool gray;   // the image has grays only
+  bool mixed;  // see Mixes
+};
 
 bool Holds(std::int32_t depth, std::size_t colors) { return colors <= std::size_t{1} << depth; }
 
@@ -28,128 +39,162 @@ std::int32_t SmallestDepth(std::size_t colors) {
   return depth;
 }
 
-std::optional<IRGB> ParseColor(std::string_view word) {
-  if (word == "black") return kBlack;
-  if (word == "white") return kWhite;
-  if (word.empty() || word.front() != '#') return std::nullopt;
-  word.remove_prefix(1);
-  if (word.size() != 3) return imageio::HexColor(word);
-  const char twice[] = {word[0], word[0], word[1], word[1], word[2], word[2]};
-  return imageio::HexColor({twice, sizeof twice});
+template <class Enum>
+Enum Given(const std::optional<std::int64_t>& choice, Enum otherwise) {
+  return choice ? static_cast<Enum>(*choice) : otherwise;
 }
 
-Outcome ParseColorList(std::string_view list, std::vector<IRGB>* colors) {
-  for (bool more = true; more;) {
-    const std::size_t comma = list.find(',');
-    const std::string word(list.substr(0, comma));
-    const std::optional<IRGB> color = ParseColor(word);
-    if (!color) {
-      return Usage("--palette",
-                   "'" + word + "' is no palette (give bw, gray, FILE.gpl, FILE.hex or #rrggbb,#rrggbb,...)");
-    }
-    colors->push_back(*color);
-    more = comma != std::string_view::npos;
-    if (more) list.remove_prefix(comma + 1);
+// The size of what is to be scaled.
+Extent Clipped(const Settings& settings, const Image& image) {
+  if (settings.crop.width == 0) return {image.width, image.height};
+  return {settings.crop.width, settings.crop.height};
+}
+
+void ChooseGeometry(const Arguments& arguments, const Image& image, bool gray, Settings* settings) {
+  settings->crop = arguments.crop.value_or(pipeline::Crop{});
+  const Extent from = Clipped(*settings, image);
+  const Extent to = arguments.size ? NewSize(*arguments.size, from) : from;
+  settings->width = to.width;
+  settings->height = to.height;
+  const bool thin = image.depth == 1 || (image.depth <= 8 && !gray);
+  settings->reduce = Given(arguments.reduce, thin ? Reduce::Keep : Reduce::Smooth);
+  settings->enlarge = Given(arguments.enlarge, Enlarge::Replicate);
+}
+
+// Whether scaling or the tone curve make colours that the image does not have.
+bool Mixes(const Settings& settings, const Image& image) {
+  const Extent from = Clipped(settings, image);
+  const bool shrinks = settings.width < from.width || settings.height < from.height;
+  const bool grows = settings.width > from.width || settings.height > from.height;
+  return (shrinks && settings.reduce == Reduce::Smooth) || (grows && settings.enlarge == Enlarge::Smooth) ||
+         settings.gamma != 1.0;
+}
+
+std::int32_t ChooseDepth(const Job& job) {
+  if (job.arguments.depth) return static_cast<std::int32_t>(*job.arguments.depth);
+  if (job.wish.kind == PaletteKind::Colors) return SmallestDepth(job.wish.colors.size());
+  if (job.format == Format::Pbm || job.arguments.threshold) return 1;
+  if (job.wish.kind != PaletteKind::None) return 8;
+  const bool becomesGray = job.format == Format::Pgm && !job.gray;
+  return becomesGray || (job.gray && job.mixed) ? 8 : job.image.depth;
+}
+
+// Whether the image's own palette is the one to take when no other is asked for. Grays that arise find
+// their levels in a ramp; the colours that arise in a copy go to the nearest one that is there.
+bool KeepsPalette(const Job& job, std::int32_t depth) {
+  if (job.image.depth > 8 || !Holds(depth, job.image.palette.size())) return false;
+  if (job.format == Format::Pgm && !job.gray) return false;
+  const bool copy = !job.arguments.depth && !job.arguments.threshold && job.format != Format::Pbm;
+  return copy ? !job.gray || !job.mixed : depth > 1 && !job.mixed;
+}
+
+Colors ChooseColors(const Job& job, std::int32_t depth) {
+  constexpr Colors kWished[] = {Colors::Own, Colors::Gray, Colors::Cube, Colors::Adaptive, Colors::Given};
+  if (depth > 8) return Colors::Direct;
+  if (job.wish.kind != PaletteKind::None) return kWished[static_cast<std::size_t>(job.wish.kind)];
+  if (KeepsPalette(job, depth)) return Colors::Own;
+  if (depth == 1) return Colors::BlackAndWhite;
+  return job.gray || job.format == Format::Pgm ? Colors::Gray : Colors::Adaptive;
+}
+
+std::vector<IRGB> PaletteOf(const Job& job, Colors colors, std::int32_t depth) {
+  switch (colors) {
+    case Colors::Own:
+      return job.image.palette;
+    case Colors::BlackAndWhite:
+    case Colors::Gray:
+      return pipeline::GrayRamp(depth);
+    case Colors::Cube:
+      return host::UniformCube(host::CubeLevels(static_cast<std::uint32_t>(depth)));
+    case Colors::Given:
+      return job.wish.colors;
+    case Colors::Direct:
+    case Colors::Adaptive:
+      break;
   }
-  if (colors->size() <= kMaxColors) return Done();
-  return Usage("--palette", std::to_string(colors->size()) + " colours are too many (give 256 at most)");
+  return {};
 }
 
-// Without a wish for its colours the image keeps what it has: depth, palette, every pixel.
-bool IsPlainCopy(const Arguments& arguments, const PaletteWish& wish, Format format) {
-  return !arguments.depth && wish.kind == Kind::None && format != Format::Pbm && !arguments.threshold;
+// Whether every colour of the image is in the palette, so that nothing is lost and nothing owed.
+bool HasAll(const Job& job, const std::vector<IRGB>& palette) {
+  if (job.image.depth > 8 || job.mixed) return false;
+  return std::all_of(job.image.palette.begin(), job.image.palette.end(), [&palette](IRGB color) {
+    return std::any_of(palette.begin(), palette.end(),
+                       [color](IRGB other) { return imageio::Same(color, other); });
+  });
 }
 
-std::optional<std::int32_t> ChooseDepth(const Arguments& arguments, const PaletteWish& wish, const Image& image,
-                                        Format format) {
-  if (arguments.depth) return static_cast<std::int32_t>(*arguments.depth);
-  if (wish.kind == Kind::Colors) return SmallestDepth(wish.colors.size());
-  if (format == Format::Pbm || arguments.threshold) return 1;
-  if (wish.kind == Kind::Gray) return 8;
-  if (image.depth <= 8) return image.depth;
-  return std::nullopt;
+Halftone ChooseHalftone(const Job& job, Colors colors, const std::vector<IRGB>& palette) {
+  const bool exact = colors == Colors::Direct || colors == Colors::Own || HasAll(job, palette) ||
+                     (colors == Colors::Gray && palette.size() == 256);
+  const bool nearest = exact || job.arguments.threshold;
+  return Given(job.arguments.halftone, nearest ? Halftone::Nearest : Halftone::Diffusion);
 }
 
-std::vector<IRGB> ChoosePalette(const PaletteWish& wish, const Image& image, bool copy, std::int32_t depth) {
-  if (wish.kind == Kind::Colors) return wish.colors;
-  if (wish.kind == Kind::Gray) return pipeline::GrayRamp(depth);
-  if (copy) return image.palette;
-  if (depth == 1) return {kBlack, kWhite};
-  const bool fits = image.depth <= 8 && Holds(depth, image.palette.size());
-  return fits ? image.palette : pipeline::GrayRamp(depth);
-}
-
-Outcome CheckTogether(const Arguments& arguments, const Settings& settings) {
-  if (!Holds(settings.depth, settings.palette.size())) {
-    return Usage("--palette", std::to_string(settings.palette.size()) + " colours do not fit --depth " +
-                                  std::to_string(settings.depth) + " (choose --depth " +
-                                  std::to_string(SmallestDepth(settings.palette.size())) + " or more)");
+Outcome CheckPalette(const Job& job, Colors colors, const Settings& settings) {
+  if (colors == Colors::Direct && job.wish.kind != PaletteKind::None) {
+    return Usage("--palette", "direct colour has no palette (leave it out, or choose --depth 1 to 8)");
   }
-  if (arguments.halftone == "diffusion" && settings.depth > 1) {
-    return Usage("--halftone", "diffusion makes one bit a pixel, not " + std::to_string(settings.depth) +
-                                   " (choose --depth 1 or --halftone nearest)");
+  if (colors == Colors::Cube && settings.depth < 3) {
+    return Usage("--palette", "a cube has eight colours at least (choose --depth 3 to 8)");
   }
-  if (!arguments.threshold) return Done();
-  if (arguments.halftone == "diffusion") {
-    return Usage("--threshold", "diffusion has no threshold (leave out one of the two)");
+  if (colors == Colors::Direct || Holds(settings.depth, settings.palette.size())) return Done();
+  return Usage("--palette", std::to_string(settings.palette.size()) + " colours do not fit --depth " +
+                                std::to_string(settings.depth) + " (choose --depth " +
+                                std::to_string(SmallestDepth(settings.palette.size())) + " or more)");
+}
+
+Outcome CheckHalftone(const Job& job, Colors colors, const Settings& settings) {
+  const bool nearest = settings.halftone == Halftone::Nearest;
+  const bool asked = job.arguments.depth || job.wish.kind != PaletteKind::None || settings.depth == 1;
+  if (!nearest && (colors == Colors::Direct || (colors == Colors::Own && !asked && !job.mixed))) {
+    return Usage("--halftone",
+                 "the colours stay as they are, none is to be made of others (give --depth 1 to 8 or "
+                 "a --palette)");
   }
+  if (job.arguments.matrix && settings.halftone != Halftone::Ordered) {
+    return Usage("--matrix", "it belongs to --halftone ordered (give that too, or leave it out)");
+  }
+  if (!job.arguments.threshold) return Done();
+  if (!nearest) return Usage("--threshold", "it halftones nothing (leave out --threshold or --halftone)");
   if (settings.depth > 1)
     return Usage("--threshold", "it makes one bit a pixel (choose --depth 1, or leave it out)");
   return Done();
 }
 
-Halftone ChooseHalftone(const Arguments& arguments, std::int32_t depth, bool copy) {
-  if (arguments.halftone) return *arguments.halftone == "diffusion" ? Halftone::Diffusion : Halftone::Nearest;
-  return depth == 1 && !copy && !arguments.threshold ? Halftone::Diffusion : Halftone::Nearest;
+Outcome CheckTogether(const Job& job, Colors colors, const Settings& settings) {
+  if (job.arguments.keepColor && settings.reduce != Reduce::Keep) {
+    return Usage("--keep-color", "it belongs to --reduce keep (give that too, or leave it out)");
+  }
+  if (Outcome failed = CheckPalette(job, colors, settings); Failed(failed)) return failed;
+  return CheckHalftone(job, colors, settings);
+}
+
+void TakeAsGiven(const Arguments& arguments, Settings* settings) {
+  settings->gamma = arguments.gamma.value_or(1.0);
+  settings->invert = arguments.invert;
+  settings->layout = Given(arguments.layout, pipeline::Layout::Packed);
+  settings->keepColor = arguments.keepColor.value_or(IRGB{0, 0, 0});
+  settings->threshold = static_cast<std::int32_t>(arguments.threshold.value_or(settings->threshold));
 }
 
 }  // namespace
 
-Outcome ReadPaletteWish(const Arguments& arguments, PaletteWish* wish) {
-  if (!arguments.palette) return Done();
-  const std::string& spec = *arguments.palette;
-  wish->kind = spec == "gray" ? Kind::Gray : Kind::Colors;
-  if (spec == "gray") return Done();
-  if (spec == "bw") {
-    wish->colors = {kBlack, kWhite};
-    return Done();
-  }
-  if (imageio::IsPaletteFile(spec)) return {imageio::ReadPalette(spec, &wish->colors), spec};
-  return ParseColorList(spec, &wish->colors);
-}
-
-Outcome ReadBackground(const Arguments& arguments, IRGB* color) {
-  const std::optional<IRGB> parsed = arguments.background ? ParseColor(*arguments.background) : kWhite;
-  if (!parsed) {
-    return Usage("--background",
-                 "'" + *arguments.background + "' is no colour (give black, white, #rgb or #rrggbb)");
-  }
-  *color = *parsed;
-  return Done();
-}
-
-Format WishedFormat(const Arguments& arguments) {
-  if (arguments.format == "png") return Format::Png;
-  if (arguments.format == "pbm") return Format::Pbm;
-  if (arguments.format == "pgm") return Format::Pgm;
-  return arguments.format == "ppm" ? Format::Ppm : Format::FromSuffix;
-}
-
 Outcome ChooseSettings(const Arguments& arguments, const PaletteWish& wish, const Image& image, Format format,
-                       Settings* settings) {
-  const std::optional<std::int32_t> depth = ChooseDepth(arguments, wish, image, format);
-  if (!depth)
-    return Usage("--depth",
-                 "this image has direct colours, which can be read but not yet written (choose --depth 1 to 8 or "
-                 "a --palette)");
-  const bool copy = IsPlainCopy(arguments, wish, format);
-  settings->depth = *depth;
-  settings->palette = ChoosePalette(wish, image, copy, *depth);
-  settings->halftone = ChooseHalftone(arguments, *depth, copy);
-  settings->invert = arguments.invert;
-  settings->layout = arguments.layout == "planes" ? pipeline::Layout::Planes : pipeline::Layout::Packed;
-  if (arguments.threshold) settings->threshold = static_cast<std::int32_t>(*arguments.threshold);
-  return CheckTogether(arguments, *settings);
+                       Chosen* chosen) {
+  Settings& settings = chosen->settings;
+  const bool gray = imageio::IsGray(image);
+  TakeAsGiven(arguments, &settings);
+  ChooseGeometry(arguments, image, gray, &settings);
+  const Job job{arguments, wish, image, format, gray, Mixes(settings, image)};
+  settings.depth = ChooseDepth(job);
+  const Colors colors = ChooseColors(job, settings.depth);
+  chosen->adaptive = colors == Colors::Adaptive;
+  settings.palette = PaletteOf(job, colors, settings.depth);
+  settings.writtenPalette = colors == Colors::Given ? wish.written : std::vector<IRGB>{};
+  settings.halftone = ChooseHalftone(job, colors, settings.palette);
+  if (Outcome failed = CheckTogether(job, colors, settings); Failed(failed)) return failed;
+  return ReadMatrixWish(arguments.matrix, &settings.thresholds);
 }
 
 }  // namespace cvt::app

@@ -1,9 +1,14 @@
 #include "app/command_line.h"
 
 #include <CLI/CLI.hpp>
-#include <charconv>
+#include <algorithm>
 #include <string_view>
 #include <vector>
+
+#include "app/chart_command.h"
+#include "app/convert_command.h"
+#include "app/list_command.h"
+#include "app/presets.h"
 
 namespace cvt::app {
 
@@ -13,79 +18,168 @@ namespace {
 struct Setter {
   const OptionRow* row;
   Arguments* arguments;
-  const std::string* word;
+  std::string word;
 
-  [[noreturn]] void Refuse(const std::string& allowed) const {
-    throw CLI::ValidationError(row->name, "'" + *word + "' is not possible (give " + allowed + ")");
+  template <class Value>
+  void Take(std::optional<Value> Arguments::*target, const std::optional<Value>& value,
+            const std::string& allowed) const {
+    if (!value) throw CLI::ValidationError(row->name, "'" + word + "' is not possible (give " + allowed + ")");
+    arguments->*target = value;
   }
   void operator()(const Switch&) const {}
-  void operator()(const Text& kind) const { arguments->*kind.target = *word; }
+  void operator()(const Text& kind) const { arguments->*kind.target = word; }
   void operator()(const Number& kind) const {
-    std::int64_t value = 0;
-    const char* end = word->data() + word->size();
-    const auto [stop, error] = std::from_chars(word->data(), end, value);
-    if (error != std::errc() || stop != end || value < kind.least || value > kind.most) {
-      Refuse("a whole number from " + std::to_string(kind.least) + " to " + std::to_string(kind.most));
-    }
-    arguments->*kind.target = value;
+    Take(kind.target, ParseWhole(word, kind.least, kind.most),
+         "a whole number from " + std::to_string(kind.least) + " to " + std::to_string(kind.most));
   }
   void operator()(const Choice& kind) const {
-    std::string choices = std::string(row->value) + "|";
-    if (word->empty() || word->find('|') != std::string::npos ||
-        ("|" + choices).find("|" + *word + "|") == std::string::npos) {
-      Refuse(row->value);
-    }
-    arguments->*kind.target = *word;
+    const auto found = std::find_if(kind.words.begin(), kind.words.end(),
+                                    [this](const Word& choice) { return word == choice.name; });
+    Take(kind.target, found == kind.words.end() ? std::nullopt : std::optional(found->value), Joined(kind.words));
+  }
+  template <class Value>
+  void operator()(const Form<Value>& kind) const {
+    Take(kind.target, kind.parse(word), kind.allowed);
   }
 };
+
+void SetOption(const OptionRow& row, const std::string& word, Arguments* arguments) {
+  std::visit(Setter{&row, arguments, word}, row.kind);
+}
 
 void AddOption(CLI::App& app, const OptionRow& row, Arguments* arguments) {
   CLI::Option* option = nullptr;
   if (const auto* flag = std::get_if<Switch>(&row.kind)) {
     option = app.add_flag(row.name, arguments->*flag->target, row.help)->disable_flag_override();
   } else {
-    const auto set = [&row, arguments](const std::string& word) {
-      std::visit(Setter{&row, arguments, &word}, row.kind);
-    };
-    option = app.add_option_function<std::string>(row.name, set, row.help)->type_name(row.value);
+    const auto set = [&row, arguments](const std::string& word) { SetOption(row, word, arguments); };
+    const auto* choice = std::get_if<Choice>(&row.kind);
+    option = app.add_option_function<std::string>(row.name, set, row.help)
+                 ->type_name(choice != nullptr ? Joined(choice->words) : row.value);
   }
   option->group(row.group);
 }
 
-CLI::App* AddConvert(CLI::App& root, Arguments* arguments) {
-  CLI::App* convert = root.add_subcommand("convert", "Convert one image; \"-\" is standard input or output");
-  convert->add_option("INPUT", arguments->input, "PNG, PBM, PGM or PPM")->type_name("");
-  convert->add_option("OUTPUT", arguments->output, "PNG, PBM, PGM or PPM")->type_name("");
-  for (const OptionRow& row : ConvertOptions()) AddOption(*convert, row, arguments);
-  convert->set_help_flag("--help", "print this help")->group("Running");
-  convert->allow_extras();
-  convert->footer(Examples());
-  return convert;
+struct Operand {
+  const char* name = nullptr;  // null: none
+  std::string Arguments::*target = nullptr;
+  const char* help = nullptr;
+};
+
+struct Command {
+  const char* name;
+  const char* what;
+  const char* form;  // how it is given, for messages
+  Outcome (*run)(const Arguments& arguments);
+  Operand operands[2];
+  std::string_view options;  // blanks between and at both ends; empty: all
+};
+
+constexpr Command kCommands[] = {
+    {"convert",
+     "Convert one image; \"-\" is standard input or output",
+     "r2r convert INPUT OUTPUT",
+     RunConvert,
+     {{"INPUT", &Arguments::input, "PNG, PBM, PGM or PPM"},
+      {"OUTPUT", &Arguments::output, "PNG, PBM, PGM or PPM"}},
+     ""},
+    {"chart",
+     "Write the test chart",
+     "r2r chart OUTPUT",
+     RunChart,
+     {{"OUTPUT", &Arguments::output, "PNG or PPM"}},
+     " --format --force "},
+    {"list",
+     "List what can be chosen from",
+     "r2r list TOPIC",
+     RunList,
+     {{"TOPIC", &Arguments::topic, "methods, matrices, palettes, formats or presets"}},
+     "  "}};
+
+void AddCommand(CLI::App& root, const Command& command, Arguments* arguments) {
+  CLI::App* added = root.add_subcommand(command.name, command.what);
+  for (const Operand& operand : command.operands) {
+    if (operand.name != nullptr)
+      added->add_option(operand.name, arguments->*operand.target, operand.help)->type_name("");
+  }
+  for (const OptionRow& row : ConvertOptions()) {
+    const bool taken = command.options.find(" " + std::string(row.name) + " ") != std::string_view::npos;
+    if (command.options.empty() || taken) AddOption(*added, row, arguments);
+  }
+  added->set_help_flag("--help", "print this help")->group("Running");
+  added->allow_extras();
+  added->footer(Examples());
+}
+
+const Command* CommandOf(const CLI::App& root) {
+  for (const Command& command : kCommands) {
+    if (root.got_subcommand(command.name)) return &command;
+  }
+  return nullptr;
 }
 
 // Operands are required, but CheckRequest says so: CLI11 would complain of them before it does of options.
-std::string HelpForConvert(CLI::App* convert) {
-  for (const char* operand : {"INPUT", "OUTPUT"}) convert->get_option(operand)->required();
-  return convert->help("r2r");
+std::string HelpFor(const CLI::App& root, const Command& command) {
+  CLI::App* app = root.get_subcommand(command.name);
+  for (const Operand& operand : command.operands) {
+    if (operand.name != nullptr) app->get_option(operand.name)->required();
+  }
+  return app->help("r2r");
 }
 
 // What no option or operand took. An option that does not exist leaves its value behind as well, so the
 // first that looks like an option is the one to name.
-Outcome CheckExtras(const std::vector<std::string>& extras, const CLI::App* convert) {
+Outcome CheckExtras(const std::vector<std::string>& extras, const Command* command) {
   for (const std::string& word : extras) {
-    if (word.size() > 1 && word[0] == '-') return Usage(word, "there is no such option (see r2r convert --help)");
+    if (word.size() > 1 && word[0] == '-') {
+      const std::string name = command == nullptr ? "" : std::string(" ") + command->name;
+      return Usage(word, "there is no such option (see r2r" + name + " --help)");
+    }
   }
   if (extras.empty()) return Done();
-  if (convert->parsed()) return Usage(extras[0], "one operand too many (give one INPUT and one OUTPUT)");
-  return Usage(extras[0], "there is no such command (see r2r --help)");
+  if (command == nullptr) return Usage(extras[0], "there is no such command (see r2r --help)");
+  return Usage(extras[0], std::string("one operand too many (give ") + command->form + ")");
 }
 
-Outcome CheckRequest(const CLI::App& root, const CLI::App* convert, const Arguments& arguments) {
-  if (Outcome failed = CheckExtras(root.remaining(true), convert); Failed(failed)) return failed;
-  if (!convert->parsed()) return Usage("", "there is no command (give r2r convert INPUT OUTPUT, or r2r --help)");
-  if (arguments.input.empty()) return Usage("INPUT", "it is missing (give r2r convert INPUT OUTPUT)");
-  if (arguments.output.empty()) return Usage("OUTPUT", "it is missing (give r2r convert INPUT OUTPUT)");
+Outcome CheckRequest(const CLI::App& root, const Command* command, const Arguments& arguments) {
+  if (Outcome failed = CheckExtras(root.remaining(true), command); Failed(failed)) return failed;
+  if (command == nullptr) {
+    return Usage("", "there is no command (give r2r convert INPUT OUTPUT, or r2r --help)");
+  }
+  for (const Operand& operand : command->operands) {
+    if (operand.name == nullptr || !(arguments.*operand.target).empty()) continue;
+    return Usage(operand.name, std::string("it is missing (give ") + command->form + ")");
+  }
   return Done();
+}
+
+// Fills in what the preset says and the command line does not. What was given rules over the preset, and so
+// takes the options that go with another choice of it along.
+void ApplyPreset(const Preset& preset, const CLI::App& convert, Arguments* arguments) {
+  std::string leftOut = " ";
+  const auto loses = [&](const char* name) {
+    return name != nullptr && (convert.count(name) > 0 || leftOut.find(name) != std::string::npos);
+  };
+  for (const PresetOption& option : preset.options) {
+    if (option.name == nullptr) return;
+    if (loses(option.name) || loses(option.owner)) {
+      leftOut += std::string(option.name) + " ";
+      continue;
+    }
+    for (const OptionRow& row : ConvertOptions()) {
+      if (std::string_view(row.name) == option.name) SetOption(row, option.value, arguments);
+    }
+  }
+}
+
+Outcome TakePreset(const CLI::App& root, Arguments* arguments) {
+  if (!arguments->preset) return Done();
+  for (const Preset& preset : Presets()) {
+    if (*arguments->preset != preset.name) continue;
+    ApplyPreset(preset, *root.get_subcommand("convert"), arguments);
+    return Done();
+  }
+  return Usage("--preset", "'" + *arguments->preset + "' is no preset (give a name that r2r list presets shows)");
 }
 
 Outcome Misread(const CLI::ParseError& error) {
@@ -105,11 +199,12 @@ Outcome ParseCommandLine(int count, const char* const* words, Request* request) 
   root.set_help_flag("--help", "print this help; r2r convert --help lists the options");
   root.allow_extras();
   root.footer(Examples());
-  CLI::App* convert = AddConvert(root, &request->arguments);
+  for (const Command& command : kCommands) AddCommand(root, command, &request->arguments);
   try {
     root.parse(count, words);
   } catch (const CLI::CallForHelp&) {
-    request->text = convert->parsed() ? HelpForConvert(convert) : root.help();
+    const Command* command = CommandOf(root);
+    request->text = command != nullptr ? HelpFor(root, *command) : root.help();
     return Done();
   } catch (const CLI::CallForVersion& version) {
     request->text = std::string(version.what()) + "\n";
@@ -117,8 +212,10 @@ Outcome ParseCommandLine(int count, const char* const* words, Request* request) 
   } catch (const CLI::ParseError& error) {
     return Misread(error);
   }
-  request->action = Action::Convert;
-  return CheckRequest(root, convert, request->arguments);
+  const Command* command = CommandOf(root);
+  if (Outcome failed = CheckRequest(root, command, request->arguments); Failed(failed)) return failed;
+  request->run = command->run;
+  return TakePreset(root, &request->arguments);
 }
 
 }  // namespace cvt::app

@@ -8,11 +8,9 @@
 
 namespace cvt::app {
 
-enum class Action : std::uint8_t { Print, Convert };
-
 struct Request {
-  Action action = Action::Print;
-  std::string text;  // Print: for standard output
+  Outcome (*run)(const Arguments& arguments) = nullptr;  // null: print the text
+  std::string text;                                      // for standard output
   Arguments arguments;
 };
 

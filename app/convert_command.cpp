@@ -1,14 +1,15 @@
 #include "app/convert_command.h"
 
 #include <cstdio>
+#include <filesystem>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "app/choose.h"
-#include "app/interrupt.h"
+#include "app/files.h"
+#include "app/fit_palette.h"
 #include "app/progress.h"
-#include "imageio/image_file.h"
 #include "pipeline/convert.h"
 
 namespace cvt::app {
@@ -20,36 +21,12 @@ using pipeline::Status;
 
 namespace {
 
-std::string InputName(const Arguments& arguments) {
-  return arguments.input == "-" ? "standard input" : arguments.input;
-}
-
-std::string OutputName(const Arguments& arguments) {
-  return arguments.output == "-" ? "standard output" : arguments.output;
-}
-
-Outcome OpenSource(const Arguments& arguments, RowSource* source) {
-  imageio::ReadOptions options;
-  if (Outcome failed = ReadBackground(arguments, &options.background); Failed(failed)) return failed;
-  if (arguments.maxPixels) options.maxPixels = *arguments.maxPixels;
-  return {imageio::OpenImage(arguments.input, options, source), InputName(arguments)};
-}
-
 Outcome Explain(const Arguments& arguments, const RowSource& source, const Settings& settings) {
   if (!arguments.explain) return Done();
   std::vector<std::string> lines;
   Status status = pipeline::Explain(source.image, settings, &lines);
   for (const std::string& line : lines) std::fprintf(stderr, "%s\n", line.c_str());
   return {status, InputName(arguments)};
-}
-
-Outcome CreateSink(const Arguments& arguments, RowSink* sink) {
-  imageio::WriteOptions options;
-  options.format = WishedFormat(arguments);
-  if (arguments.force) options.existing = imageio::Existing::Replace;
-  options.temporary = RemoveWhenInterrupted;
-  const SignalsHeld held;  // between the creation of the file and the note of its name
-  return {imageio::CreateImage(arguments.output, options, sink), OutputName(arguments)};
 }
 
 // The sink, watched: whether it was the one that failed, and how far the work is.
@@ -78,19 +55,35 @@ Outcome Convert(const Arguments& arguments, RowSource& source, const Settings& s
   return {status, sinkFailed ? OutputName(arguments) : InputName(arguments)};
 }
 
+// Opens the image and settles what becomes of it. A palette that is fitted to the image takes all of its rows,
+// so that the image is opened once more.
+Outcome Prepare(const Arguments& arguments, imageio::Format format, RowSource* source, Settings* settings) {
+  PaletteWish wish;
+  if (Outcome failed = ReadPaletteWish(arguments.palette, &wish); Failed(failed)) return failed;
+  if (Outcome failed = OpenSource(arguments, source); Failed(failed)) return failed;
+  Chosen chosen;
+  if (Outcome failed = ChooseSettings(arguments, wish, source->image, format, &chosen); Failed(failed))
+    return failed;
+  *settings = std::move(chosen.settings);
+  if (!chosen.adaptive) return Done();
+  if (!std::filesystem::is_regular_file(arguments.input)) {
+    return Usage("--palette", "adaptive reads the image twice, " + InputName(arguments) +
+                                  " can be read only once (give a file, or another palette)");
+  }
+  Status status = FitPalette(*source, settings);
+  if (pipeline::Failed(status)) return {status, InputName(arguments)};
+  return OpenSource(arguments, source);
+}
+
 }  // namespace
 
 Outcome RunConvert(const Arguments& arguments) {
   imageio::Format format{};
   Status status = imageio::ChooseFormat(arguments.output, WishedFormat(arguments), &format);
   if (pipeline::Failed(status)) return {status, OutputName(arguments)};
-  PaletteWish wish;
-  if (Outcome failed = ReadPaletteWish(arguments, &wish); Failed(failed)) return failed;
   RowSource source;
-  if (Outcome failed = OpenSource(arguments, &source); Failed(failed)) return failed;
   Settings settings;
-  if (Outcome failed = ChooseSettings(arguments, wish, source.image, format, &settings); Failed(failed))
-    return failed;
+  if (Outcome failed = Prepare(arguments, format, &source, &settings); Failed(failed)) return failed;
   if (Outcome failed = Explain(arguments, source, settings); Failed(failed)) return failed;
   RowSink sink;
   if (Outcome failed = CreateSink(arguments, &sink); Failed(failed)) return failed;

@@ -1,27 +1,78 @@
 #include "app/option_table.h"
 
+#include "imageio/image_file.h"
+
 namespace cvt::app {
+
+using imageio::Format;
+using pipeline::Enlarge;
+using pipeline::Halftone;
+using pipeline::Layout;
+using pipeline::Reduce;
 
 namespace {
 
 constexpr std::int64_t kMostPixels = 1000000000000;
+constexpr const char* kColorForm = "black, white, #rgb or #rrggbb";
 
-constexpr OptionRow kConvertOptions[] = {
-    {"Colour", "--depth", "N", "bits of an output pixel, 1 to 8; default: by palette and input",
-     Number{&Arguments::depth, 1, 8}},
-    {"Colour", "--palette", "SPEC", "bw, gray, FILE.gpl, FILE.hex or #rrggbb,#rrggbb,...; order kept",
+template <class Enum>
+constexpr Word Named(const char* name, Enum value, const char* what) {
+  return {name, static_cast<std::int64_t>(value), what};
+}
+
+constexpr Word kReduces[] = {Named("keep", Reduce::Keep, "shrink so that runs of the keep colour never vanish"),
+                             Named("decimate", Reduce::Decimate, "shrink by leaving pixels out"),
+                             Named("smooth", Reduce::Smooth, "shrink by averaging areas")};
+constexpr Word kEnlarges[] = {Named("replicate", Enlarge::Replicate, "grow by repeating pixels"),
+                              Named("smooth", Enlarge::Smooth, "grow by blending neighbours")};
+constexpr Word kHalftones[] = {
+    Named("nearest", Halftone::Nearest, "the closest colour, pixel by pixel"),
+    Named("diffusion", Halftone::Diffusion, "errors are passed on to the neighbours: best for photographs"),
+    Named("ordered", Halftone::Ordered, "a fixed pattern of thresholds: steady, packs well")};
+constexpr Word kLayouts[] = {Named("packed", Layout::Packed, "the bits of a pixel side by side"),
+                             Named("planes", Layout::Planes, "a plane for each bit")};
+constexpr Word kFormats[] = {Named("png", Format::Png, "indexed, gray and direct colour"),
+                             Named("pbm", Format::Pbm, "black and white, binary"),
+                             Named("pgm", Format::Pgm, "grays, binary"),
+                             Named("ppm", Format::Ppm, "direct colour, binary")};
+
+const OptionRow kConvertOptions[] = {
+    {"Geometry", "--crop", "WxH+X+Y", "cut out a rectangle before anything else",
+     Form<pipeline::Crop>{&Arguments::crop, ParseCrop, "WxH+X+Y, in pixels"}},
+    {"Geometry", "--size", "WxH|W|xH|N%", "new size; one number keeps the aspect ratio",
+     Form<SizeWish>{&Arguments::size, ParseSize, "WxH, W, xH or N%, whole numbers from 1 up"}},
+    {"Geometry", "--reduce", "",
+     "how to shrink; default keep for 1-bit and indexed images, smooth for gray and colour",
+     Choice{&Arguments::reduce, kReduces}},
+    {"Geometry", "--enlarge", "", "how to grow; default replicate", Choice{&Arguments::enlarge, kEnlarges}},
+    {"Geometry", "--keep-color", "COLOR", "whose runs never vanish with --reduce keep; default black",
+     Form<IRGB>{&Arguments::keepColor, ParseColor, kColorForm}},
+    {"Colour", "--depth", "N", "1 to 8: indexed, 24: direct colour; default: by palette, format and input",
+     Form<std::int64_t>{&Arguments::depth, ParseDepth,
+                        "1 to 8, or 24; 15, 16 and 32 need raw output, which is not there yet"}},
+    {"Colour", "--palette", "SPEC",
+     "a name of r2r list palettes, FILE.gpl, .hex, .pal or .png, or #rrggbb,#rrggbb,...; order kept; default: "
+     "the image's own if it fits, else gray or adaptive",
      Text{&Arguments::palette}},
-    {"Colour", "--halftone", "nearest|diffusion", "default: diffusion for 1 bit, else nearest",
-     Choice{&Arguments::halftone}},
+    {"Colour", "--halftone", "", "default: diffusion, or nearest where the output has all colours of the input",
+     Choice{&Arguments::halftone, kHalftones}},
+    {"Colour", "--matrix", "NAME|FILE.pgm",
+     "thresholds of --halftone ordered: a name of r2r list matrices, or a picture of them; default bayer8",
+     Text{&Arguments::matrix}},
     {"Colour", "--threshold", "N", "1 bit without halftoning: white from gray level N up, 0 to 256",
      Number{&Arguments::threshold, 0, 256}},
+    {"Colour", "--gamma", "G", "tone curve before reduction, 0.1 to 10; above 1 is lighter; default 1",
+     Form<double>{&Arguments::gamma, ParseGamma, "a number from 0.1 to 10"}},
     {"Colour", "--invert", "", "swap black and white", Switch{&Arguments::invert}},
     {"Colour", "--background", "COLOR",
-     "what transparent pixels lie on: black, white, #rgb, #rrggbb; default white", Text{&Arguments::background}},
-    {"Output", "--format", "png|pbm|pgm|ppm", "default: by suffix", Choice{&Arguments::format}},
-    {"Output", "--layout", "packed|planes", "how the last band is laid out; default packed",
-     Choice{&Arguments::layout}},
+     "what transparent pixels lie on: black, white, #rgb, #rrggbb; default white",
+     Form<IRGB>{&Arguments::background, ParseColor, kColorForm}},
+    {"Output", "--format", "", "default: by suffix", Choice{&Arguments::format, kFormats}},
+    {"Output", "--layout", "", "how the last band is laid out; default packed",
+     Choice{&Arguments::layout, kLayouts}},
     {"Output", "--force", "", "replace the output if it exists", Switch{&Arguments::force}},
+    {"Running", "--preset", "NAME", "a bundle of options of r2r list presets; options that are given win over it",
+     Text{&Arguments::preset}},
     {"Running", "--explain", "", "print the chain of conversions, then convert", Switch{&Arguments::explain}},
     {"Running", "--max-pixels", "N", "refuse larger inputs; default 2147483647",
      Number{&Arguments::maxPixels, 1, kMostPixels}},
@@ -31,14 +82,20 @@ constexpr OptionRow kConvertOptions[] = {
 
 std::span<const OptionRow> ConvertOptions() { return kConvertOptions; }
 
+std::string Joined(std::span<const Word> words) {
+  std::string joined;
+  for (const Word& word : words) joined += (joined.empty() ? "" : "|") + std::string(word.name);
+  return joined;
+}
+
 const char* Examples() {
   return "Examples:\n"
-         "  r2r convert photo.png print.pbm\n"
-         "      one bit a pixel by error diffusion, for a printer\n"
-         "  r2r convert --palette '#000000,#ffffff,#ff0000' sign.png label.png\n"
-         "      every pixel to the nearest of three colours\n"
-         "  r2r convert --depth 4 --format png - - < scan.pgm > scan16.png\n"
-         "      sixteen grays, in a pipe\n";
+         "  r2r convert --size 400x300 --depth 1 photo.png badge.png\n"
+         "      a photograph for a small black and white display\n"
+         "  r2r convert --size 33% scan.pbm small.pbm\n"
+         "      a scanned page at a third of its size, hairlines kept\n"
+         "  r2r convert --preset web-256 --crop 800x600+40+0 photo.png part.png\n"
+         "      the 256 best colours for a part of the picture\n";
 }
 
 }  // namespace cvt::app

@@ -7,15 +7,28 @@
 #include <string>
 #include <variant>
 
+#include "app/words.h"
+
 namespace cvt::app {
 
-/// What `r2r convert` was asked for. An option that was not given is empty or false.
+/// What the user asked for. An option that was not given is empty or false, an operand empty.
 struct Arguments {
-  std::string input;
-  std::string output;
+  std::string input, output, topic;
+  std::optional<pipeline::Crop> crop;
+  std::optional<SizeWish> size;
   std::optional<std::int64_t> depth, threshold, maxPixels;
-  std::optional<std::string> palette, halftone, background, layout, format;
+  std::optional<std::int64_t> reduce, enlarge, halftone, layout, format;  // Word::value
+  std::optional<double> gamma;
+  std::optional<IRGB> keepColor, background;
+  std::optional<std::string> palette, matrix, preset;
   bool invert = false, force = false, explain = false, quiet = false;
+};
+
+/// One of the words that an option takes.
+struct Word {
+  const char* name;
+  std::int64_t value;  // of the enumeration that the option chooses from
+  const char* what;
 };
 
 struct Switch {
@@ -28,19 +41,31 @@ struct Number {
 struct Text {
   std::optional<std::string> Arguments::*target;
 };
-struct Choice {  // one of the words of OptionRow::value
-  std::optional<std::string> Arguments::*target;
+struct Choice {
+  std::optional<std::int64_t> Arguments::*target;
+  std::span<const Word> words;
+};
+template <class Value>
+struct Form {  // a value with a spelling of its own
+  std::optional<Value> Arguments::*target;
+  std::optional<Value> (*parse)(std::string_view word);
+  const char* allowed;
 };
 
 struct OptionRow {
   const char* group;
   const char* name;
-  const char* value;  // how the help names the value; empty for switches
+  const char* value;  // how the help names the value; empty for switches and choices
   const char* help;
-  std::variant<Switch, Number, Text, Choice> kind;
+  std::variant<Switch, Number, Text, Choice, Form<std::int64_t>, Form<double>, Form<IRGB>, Form<SizeWish>,
+               Form<pipeline::Crop>>
+      kind;
 };
 
 std::span<const OptionRow> ConvertOptions();
+
+/// The words of a choice as the help names them: with bars between.
+std::string Joined(std::span<const Word> words);
 
 /// Lines of examples that close every help text.
 const char* Examples();

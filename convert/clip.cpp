@@ -13,9 +13,10 @@
 namespace cvt {
 namespace {
 
-// Describes the clipped image. The kind stays: the band still needs what else the destination asks for.
+// Describes the clipped image; null when memory is exhausted. The kind stays: the band still needs what else the destination asks for.
 tagIGFD* DescribeClipped(tagIGFD* source) {
   tagIGFD* copy = CvtDupIGFD(source);
+  if (copy == nullptr) return nullptr;
   copy->options = Low16(copy->options & ~std::uint32_t{kClipOption});
   copy->originX = copy->clipX0;
   copy->originY = copy->clipY0;
@@ -125,6 +126,7 @@ CvtStatus ClipToRectangle(Band* band, tagIGFD* copy, tagCRLA* context) {
 template <EndSum kSum, class Band>
 CvtStatus ClipBand(Band** slot, tagIGFD* source, tagIGFD* destination, tagCRLA* context) {
   tagIGFD* copy = DescribeClipped(source);
+  if (copy == nullptr) return kCvtNoDescriptor;
   CvtStatus status = ClipToRectangle<kSum>(BandAt<Band>(slot), copy, context);
   if (status != kCvtOk) return status;  // the copy and the cursor that could be had stay allocated
   status = context->convertProc(reinterpret_cast<tagRasterPacked**>(slot), copy, destination, context);

@@ -17,6 +17,7 @@ bool FitsAlready(const tagIGFD* source, const tagIGFD* destination, const tagCRL
 template <class Band>
 CvtStatus HandOnUnchanged(Band** band, tagIGFD* source, tagIGFD* destination, tagCRLA* context) {
   tagIGFD* copy = CvtDupIGFD(source);
+  if (copy == nullptr) return kCvtNoDescriptor;
   copy->rasterKind = 0;
   const CvtStatus status =
       context->convertProc(reinterpret_cast<tagRasterPacked**>(band), copy, destination, context);

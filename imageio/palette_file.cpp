@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "imageio/input_file.h"
+#include "imageio/png_file.h"
 #include "imageio/suffix.h"
 
 namespace cvt::imageio {
@@ -78,9 +79,9 @@ bool IsRemark(std::string_view line) {
   return line.empty() || line.front() == '#' || line.starts_with("Name:") || line.starts_with("Columns:");
 }
 
-Status ParseGpl(std::string_view text, std::vector<IRGB>* palette) {
-  if (TakeLine(&text) != "GIMP Palette") return AtLine(1, "does not read \"GIMP Palette\" (give a .gpl palette)");
-  for (int number = 2; !text.empty(); ++number) {
+// The colours that stand in lines of three numbers from line `number` on.
+Status ParseNumbers(std::string_view text, int number, std::vector<IRGB>* palette) {
+  for (; !text.empty(); ++number) {
     const std::string_view line = TakeLine(&text);
     if (IsRemark(line)) continue;
     if (Status failed = AddColor(NumberColor(line), number, "three numbers from 0 to 255", palette);
@@ -89,6 +90,34 @@ Status ParseGpl(std::string_view text, std::vector<IRGB>* palette) {
     }
   }
   return Ok();
+}
+
+Status ParseGpl(std::string_view text, std::vector<IRGB>* palette) {
+  if (TakeLine(&text) != "GIMP Palette") return AtLine(1, "does not read \"GIMP Palette\" (give a .gpl palette)");
+  return ParseNumbers(text, 2, palette);
+}
+
+Status ParsePal(std::string_view text, std::vector<IRGB>* palette) {
+  if (TakeLine(&text) != "JASC-PAL") return AtLine(1, "does not read \"JASC-PAL\" (give a JASC palette)");
+  if (TakeLine(&text) != "0100") return AtLine(2, "does not read \"0100\" (give a JASC palette)");
+  const std::string told(TakeLine(&text));
+  if (Status failed = ParseNumbers(text, 4, palette); Failed(failed)) return failed;
+  if (told == std::to_string(palette->size())) return Ok();
+  return AtLine(
+      3, "does not tell the " + std::to_string(palette->size()) + " colours that follow (get an intact copy)");
+}
+
+struct TextForm {
+  const char* suffix;
+  Status (*parse)(std::string_view text, std::vector<IRGB>* palette);
+};
+constexpr TextForm kTextForms[] = {{".gpl", ParseGpl}, {".hex", ParseHex}, {".pal", ParsePal}};
+
+const TextForm* FormOf(const std::string& path) {
+  for (const TextForm& form : kTextForms) {
+    if (HasSuffix(path, form.suffix)) return &form;
+  }
+  return nullptr;
 }
 
 Status ReadText(const std::string& path, std::string* text) {
@@ -113,15 +142,17 @@ std::optional<IRGB> HexColor(std::string_view digits) {
               static_cast<std::uint8_t>(value & 255)};
 }
 
-bool IsPaletteFile(const std::string& path) { return HasSuffix(path, ".gpl") || HasSuffix(path, ".hex"); }
+bool IsPaletteFile(const std::string& path) { return FormOf(path) != nullptr || HasSuffix(path, ".png"); }
 
 Status ReadPalette(const std::string& path, std::vector<IRGB>* palette) {
-  if (!IsPaletteFile(path)) return Fail(Code::Usage, "this is no palette file (give a .gpl or .hex file)");
+  if (!IsPaletteFile(path))
+    return Fail(Code::Usage, "this is no palette file (give a .gpl, .hex, .pal or .png file)");
+  palette->clear();
+  const TextForm* form = FormOf(path);
+  if (form == nullptr) return ReadPngPalette(path, palette);
   std::string text;
   if (Status failed = ReadText(path, &text); Failed(failed)) return failed;
-  palette->clear();
-  Status status = HasSuffix(path, ".gpl") ? ParseGpl(text, palette) : ParseHex(text, palette);
-  if (Failed(status)) return status;
+  if (Status failed = form->parse(text, palette); Failed(failed)) return failed;
   return palette->empty() ? Fail(Code::Input, "the palette has no colours (write at least one)") : Ok();
 }
 

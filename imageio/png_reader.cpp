@@ -88,19 +88,25 @@ IRGB OverBackground(const png_color& color, png_byte alpha, IRGB background) {
           Over<255>(color.blue, alpha, background.blue)};
 }
 
-void TakePalette(PngReader& reader) {
+// The colours that pixels can name, as they are stored.
+std::vector<png_color> StoredPalette(const PngReader& reader) {
   png_colorp colors = nullptr;
   int count = 0;
   png_get_PLTE(reader.png, reader.info, &colors, &count);
+  return {colors, colors + std::min(count, 1 << png_get_bit_depth(reader.png, reader.info))};
+}
+
+void TakePalette(PngReader& reader) {
   png_bytep alphas = nullptr;
   int alphaCount = 0;
   png_get_tRNS(reader.png, reader.info, &alphas, &alphaCount, nullptr);
-  count = std::min(count, 1 << reader.image.depth);
-  for (int i = 0; i < count; ++i) {
+  int i = 0;
+  for (const png_color& color : StoredPalette(reader)) {
     const png_byte alpha = i < alphaCount ? alphas[i] : png_byte{255};
-    reader.image.palette.push_back(OverBackground(colors[i], alpha, reader.options.background));
+    reader.image.palette.push_back(OverBackground(color, alpha, reader.options.background));
+    ++i;
   }
-  if (count < 1 << reader.image.depth) reader.pixels.resize(static_cast<std::size_t>(reader.image.width));
+  if (i < 1 << reader.image.depth) reader.pixels.resize(static_cast<std::size_t>(reader.image.width));
 }
 
 // Gray of up to eight bits: the one transparent gray, if any, is just another palette entry.
@@ -218,6 +224,18 @@ Status OpenPng(std::unique_ptr<InputFile> file, const ReadOptions& options, pipe
   if (Status failed = TakeHeader(*reader); Failed(failed)) return failed;
   source->image = reader->image;
   source->read = [reader](std::uint8_t* row) { return ReadRow(*reader, row); };
+  return Ok();
+}
+
+Status ReadPngPalette(const std::string& path, std::vector<IRGB>* palette) {
+  PngReader reader;
+  if (Status failed = OpenInput(path, &reader.file); Failed(failed)) return failed;
+  if (Peek(*reader.file, 2) != "\x89P") return Fail(Code::Input, "this is no PNG (give an indexed PNG)");
+  if (!ReadHeader(reader)) return Damaged(reader);
+  if (png_get_color_type(reader.png, reader.info) != PNG_COLOR_TYPE_PALETTE) {
+    return Fail(Code::Input, "this PNG has no palette (give an indexed PNG)");
+  }
+  for (const png_color& color : StoredPalette(reader)) palette->push_back({color.red, color.green, color.blue});
   return Ok();
 }
 

@@ -14,53 +14,79 @@ struct Case {
   const char* starts;  // the line, from its first character
 };
 
-constexpr Case kCases[] = {{"", 2, "r2r: INPUT: "},
-                           {"gray", 2, "r2r: OUTPUT: "},
-                           {"gray o.png more", 2, "r2r: more: "},
-                           {"--no-such 3 gray o.png", 2, "r2r: --no-such: "},
-                           {"gray o.png --depth", 2, "r2r: --depth: "},
-                           {"gray o.png --depth 0", 2, "r2r: --depth: '0'"},
-                           {"gray o.png --depth 9", 2, "r2r: --depth: '9'"},
-                           {"gray o.png --depth 1x", 2, "r2r: --depth: '1x'"},
-                           {"gray o.png --depth 1 --depth 2", 2, "r2r: --depth: "},
-                           {"color o.png", 2, "r2r: --depth: "},
-                           {"gray o.png --palette foo", 2, "r2r: --palette: 'foo'"},
-                           {"gray o.png --palette '#fff,'", 2, "r2r: --palette: ''"},
-                           {"gray o.png --palette '#fff,#00000g'", 2, "r2r: --palette: '#00000g'"},
-                           {"gray o.png --palette '#fff,#000,#f00' --depth 1", 2, "r2r: --palette: 3 colours"},
-                           {"gray o.png --palette none.gpl", 3, "r2r: none.gpl: "},
-                           {"gray o.png --palette bad.hex", 3, "r2r: bad.hex: line 2 "},
-                           {"gray o.png --halftone ordered", 2, "r2r: --halftone: 'ordered'"},
-                           {"gray o.png --halftone diffusion", 2, "r2r: --halftone: diffusion"},
-                           {"gray o.png --depth 2 --halftone diffusion", 2, "r2r: --halftone: diffusion"},
-                           {"gray o.png --threshold -1", 2, "r2r: --threshold: '-1'"},
-                           {"gray o.png --threshold 257", 2, "r2r: --threshold: '257'"},
-                           {"gray o.png --depth 2 --threshold 9", 2, "r2r: --threshold: "},
-                           {"gray o.png --halftone diffusion --threshold 9", 2, "r2r: --threshold: "},
-                           {"gray o.png --background blue", 2, "r2r: --background: 'blue'"},
-                           {"gray o.png --layout rows", 2, "r2r: --layout: 'rows'"},
-                           {"gray o.png --format tiff", 2, "r2r: --format: 'tiff'"},
-                           {"gray o.png --force=no", 2, "r2r: --force: "},
-                           {"gray o.png --max-pixels 0", 2, "r2r: --max-pixels: '0'"},
-                           {"gray o.png --max-pixels 3", 4, "r2r: gray: "},
-                           {"gray o.jpg", 2, "r2r: o.jpg: "},
-                           {"gray -", 2, "r2r: standard output: "},
-                           {"color o.pbm --depth 2", 2, "r2r: o.pbm: "},
-                           {"color o.pgm --palette '#f00,#00f'", 2, "r2r: o.pgm: "},
-                           {"none o.png", 3, "r2r: none: "},
-                           {". o.png", 3, "r2r: .: "},
-                           {"empty o.png", 3, "r2r: empty: "},
-                           {"- o.png", 3, "r2r: standard input: "},
-                           {"bad.hex o.png", 3, "r2r: bad.hex: "},
-                           {"short o.png", 3, "r2r: short: "},
-                           {"short o.pbm", 3, "r2r: short: "},
-                           {"wide o.png --depth 1", 4, "r2r: wide: "},
-                           {"gray gray --format pgm", 5, "r2r: gray: "},
-                           {"gray none/o.png", 5, "r2r: none/o.png: "},
-                           {"gray . --format png --force", 5, "r2r: .: "},
-                           {"gray /dev/full --format pgm", 5, "r2r: /dev/full: "},
-                           {"gray - --format png >/dev/full", 5, "r2r: standard output: "},
-                           {"\"$(printf 'a\\nb')\" o.png", 3, "r2r: a?b: "}};
+constexpr Case kCases[] = {
+    {"", 2, "r2r: INPUT: "},
+    {"gray", 2, "r2r: OUTPUT: "},
+    {"gray o.png more", 2, "r2r: more: "},
+    {"--no-such 3 gray o.png", 2, "r2r: --no-such: "},
+    {"gray o.png --depth", 2, "r2r: --depth: "},
+    {"gray o.png --depth 0", 2, "r2r: --depth: '0'"},
+    {"gray o.png --depth 9", 2, "r2r: --depth: '9'"},
+    {"gray o.png --depth 1x", 2, "r2r: --depth: '1x'"},
+    {"gray o.png --depth 1 --depth 2", 2, "r2r: --depth: "},
+    {"color o.png --depth 15", 2, "r2r: --depth: '15'"},
+    {"color o.png --depth 32", 2, "r2r: --depth: '32'"},
+    {"gray o.png --palette foo", 2, "r2r: --palette: 'foo'"},
+    {"gray o.png --palette '#fff,'", 2, "r2r: --palette: ''"},
+    {"gray o.png --palette '#fff,#00000g'", 2, "r2r: --palette: '#00000g'"},
+    {"gray o.png --palette '#fff,#000,#f00' --depth 1", 2, "r2r: --palette: 3 colours"},
+    {"gray o.png --palette none.gpl", 3, "r2r: none.gpl: "},
+    {"gray o.png --palette bad.hex", 3, "r2r: bad.hex: line 2 "},
+    {"gray o.png --halftone ordered", 2, "r2r: --halftone: "},
+    {"gray o.png --halftone dots", 2, "r2r: --halftone: 'dots' is not possible (give nearest|"},
+    {"gray o.png --halftone diffusion", 2, "r2r: --halftone: "},
+    {"gray o.png --depth 24 --halftone diffusion", 2, "r2r: --halftone: "},
+    {"gray o.png --depth 24 --palette gray", 2, "r2r: --palette: "},
+    {"gray o.png --depth 2 --palette cube", 2, "r2r: --palette: "},
+    {"gray o.png --palette color.png", 3, "r2r: color.png: "},
+    {"- o.png --palette adaptive <gray", 2, "r2r: --palette: adaptive"},
+    {"- o.png --depth 4 <color", 2, "r2r: --palette: adaptive"},
+    {"gray o.png --gamma 0.09", 2, "r2r: --gamma: '0.09'"},
+    {"gray o.png --gamma 11", 2, "r2r: --gamma: '11'"},
+    {"gray o.png --gamma nan", 2, "r2r: --gamma: 'nan'"},
+    {"gray o.png --gamma 1,5", 2, "r2r: --gamma: '1,5'"},
+    {"gray o.png --matrix bayer4", 2, "r2r: --matrix: it belongs"},
+    {"gray o.png --depth 1 --halftone ordered --matrix bayer3", 2, "r2r: --matrix: 'bayer3'"},
+    {"gray o.png --depth 1 --halftone ordered --matrix none.pgm", 3, "r2r: none.pgm: "},
+    {"gray o.png --preset none", 2, "r2r: --preset: 'none'"},
+    {"gray o.png --preset epaper-7 --depth 2", 2, "r2r: --palette: 7 colours"},
+    {"gray o.png --preset fax --matrix bayer2", 2, "r2r: --matrix: it belongs"},
+    {"gray o.png --keep-color red", 2, "r2r: --keep-color: 'red'"},
+    {"gray o.png --keep-color white", 2, "r2r: --keep-color: it belongs"},
+    {"gray o.png --reduce most", 2, "r2r: --reduce: 'most'"},
+    {"gray o.png --enlarge keep", 2, "r2r: --enlarge: 'keep'"},
+    {"gray o.png --crop 5x1+0+0", 2, "r2r: gray: "},
+    {"gray o.png --crop 4x1+1+0", 2, "r2r: gray: "},
+    {"gray o.png --crop 4x1+0+1", 2, "r2r: gray: "},
+    {"gray o.png --size 65535x65535", 4, "r2r: gray: "},
+    {"gray o.png --threshold -1", 2, "r2r: --threshold: '-1'"},
+    {"gray o.png --threshold 257", 2, "r2r: --threshold: '257'"},
+    {"gray o.png --depth 2 --threshold 9", 2, "r2r: --threshold: "},
+    {"gray o.png --halftone diffusion --threshold 9", 2, "r2r: --threshold: "},
+    {"gray o.png --background blue", 2, "r2r: --background: 'blue'"},
+    {"gray o.png --layout rows", 2, "r2r: --layout: 'rows'"},
+    {"gray o.png --format tiff", 2, "r2r: --format: 'tiff'"},
+    {"gray o.png --force=no", 2, "r2r: --force: "},
+    {"gray o.png --max-pixels 0", 2, "r2r: --max-pixels: '0'"},
+    {"gray o.png --max-pixels 3", 4, "r2r: gray: "},
+    {"gray o.jpg", 2, "r2r: o.jpg: "},
+    {"gray -", 2, "r2r: standard output: "},
+    {"color o.pbm --depth 2", 2, "r2r: o.pbm: "},
+    {"color o.pgm --palette '#f00,#00f'", 2, "r2r: o.pgm: "},
+    {"none o.png", 3, "r2r: none: "},
+    {". o.png", 3, "r2r: .: "},
+    {"empty o.png", 3, "r2r: empty: "},
+    {"- o.png", 3, "r2r: standard input: "},
+    {"bad.hex o.png", 3, "r2r: bad.hex: "},
+    {"short o.png", 3, "r2r: short: "},
+    {"short o.pbm", 3, "r2r: short: "},
+    {"wide o.png --depth 1", 4, "r2r: wide: "},
+    {"gray gray --format pgm", 5, "r2r: gray: "},
+    {"gray none/o.png", 5, "r2r: none/o.png: "},
+    {"gray . --format png --force", 5, "r2r: .: "},
+    {"gray /dev/full --format pgm", 5, "r2r: /dev/full: "},
+    {"gray - --format png >/dev/full", 5, "r2r: standard output: "},
+    {"\"$(printf 'a\\nb')\" o.png", 3, "r2r: a?b: "}};
 
 TEST(Message, IsOneLineWithItsExitStatusAndLeavesNoFile) {
   const Workplace place;
@@ -68,6 +94,7 @@ TEST(Message, IsOneLineWithItsExitStatusAndLeavesNoFile) {
   place.Write("color", "P3 2 1 255  250 5 5  5 250 5");
   place.Write("short", "P2 2 3 255  1 2 3");
   place.Write("wide", "P4 900000 1\n" + std::string(112500, 'a'));
+  place.Write("color.png", place.Shell("\"$R2R\" convert color - --format png").out);
   place.Write("empty", "");
   place.Write("bad.hex", "ffffff\nfffff\n");
   const std::vector<std::string> before = place.Names();
@@ -82,12 +109,34 @@ TEST(Message, IsOneLineWithItsExitStatusAndLeavesNoFile) {
   }
 }
 
+TEST(Message, ComesForSizesAndRectanglesThatAreNone) {
+  const Workplace place;
+  place.Write("gray", "P2 4 1 255  0 100 128 255");
+  const std::vector<std::string> sizes = {
+      "0", "-5", "x",   "3x",   "0x3",  "3x0",  "x0",  "3x4x5", "'3 x 4'", "3x4+1+1",
+      "%", "0%", "-5%", "1.5%", "x50%", "50%x", "3X4", "65536", "x65536",  "99999999999999999999"};
+  const std::vector<std::string> crops = {"1",      "1x1",      "1x1+0",   "0x1+0+0",   "1x0+0+0",  "x1+0+0",
+                                          "1x+0+0", "1x1+-1+0", "1x1+0-1", "1x1+0+0+0", "1x1+0+0x", "1+1x0+0"};
+  const auto refused = [&place](const std::string& option, const std::string& word) {
+    const Ended ended = place.Convert("gray o.png " + option + "=" + word);
+    EXPECT_EQ(ended.status, 2) << word << ": " << ended.err;
+    EXPECT_TRUE(ended.err.starts_with("r2r: " + option + ": '")) << word << ": " << ended.err;
+  };
+  for (const std::string& word : sizes) refused("--size", word);
+  for (const std::string& word : crops) refused("--crop", word);
+}
+
 TEST(Message, ComesForCommandsThatDoNotExist) {
   const Workplace place;
   EXPECT_EQ(place.Shell("\"$R2R\"").status, 2);
   const Ended ended = place.Shell("\"$R2R\" transmogrify");
   EXPECT_EQ(ended.status, 2);
   EXPECT_TRUE(ended.err.starts_with("r2r: transmogrify: ")) << ended.err;
+  EXPECT_EQ(place.Shell("\"$R2R\" list").status, 2);
+  EXPECT_EQ(place.Shell("\"$R2R\" list colours").status, 2);
+  EXPECT_EQ(place.Shell("\"$R2R\" list methods more").status, 2);
+  EXPECT_EQ(place.Shell("\"$R2R\" chart").status, 2);
+  EXPECT_EQ(place.Shell("\"$R2R\" chart o.png --depth 1").status, 2);
 }
 
 TEST(Help, GoesToStandardOutputAndNamesEveryOption) {
@@ -95,9 +144,12 @@ TEST(Help, GoesToStandardOutputAndNamesEveryOption) {
   const Ended ended = place.Convert("--help");
   EXPECT_EQ(ended.status, 0);
   EXPECT_EQ(ended.err, "");
-  for (const char* words : {"Colour:", "Output:", "Running:", "--depth N", "--palette SPEC", "--halftone",
-                            "--threshold N", "--invert", "--background COLOR", "--format", "--layout", "--force",
-                            "--explain", "--max-pixels N", "-q", "Examples:"}) {
+  for (const char* words :
+       {"Geometry:", "--crop WxH+X+Y", "--size",        "--reduce keep|", "--enlarge",      "--keep-color COLOR",
+        "--matrix",  "--gamma G",      "--preset NAME", "Colour:",        "Output:",        "Running:",
+        "--depth N", "--palette SPEC", "--halftone",    "--threshold N",  "--invert",       "--background COLOR",
+        "--format",  "--layout",       "--force",       "--explain",      "--max-pixels N", "-q",
+        "Examples:"}) {
     EXPECT_NE(ended.out.find(words), std::string::npos) << words;
   }
   EXPECT_EQ(place.Shell("\"$R2R\" --help").status, 0);

@@ -36,9 +36,25 @@ const Case kCases[] = {
     {"gpl with 256", "a.gpl", "GIMP Palette\n1 2 3\n1 256 3\n", Code::Input, "line 3"},
     {"gpl with two numbers", "a.gpl", "GIMP Palette\n1 2 red\n", Code::Input, "line 2"},
     {"gpl with a fraction", "a.gpl", "GIMP Palette\n1 2.5 3\n", Code::Input, "line 2"},
+    {"pal", "a.pal", "JASC-PAL\r\n0100\r\n2\r\n255 0 7\r\n1 2 3\r\n", Code::Ok, "ff0007010203"},
+    {"pal without its first line", "a.pal", "0100\n1\n1 2 3\n", Code::Input, "line 1"},
+    {"pal of another version", "a.pal", "JASC-PAL\n0200\n1\n1 2 3\n", Code::Input, "line 2"},
+    {"pal that ends early", "a.pal", "JASC-PAL\n0100\n3\n1 2 3\n", Code::Input, "line 3"},
+    {"pal with 256", "a.pal", "JASC-PAL\n0100\n2\n1 2 3\n1 256 3\n", Code::Input, "line 5"},
+    {"png", "a.png", Png({1, 1, 2, 3, Chunk("PLTE", Bytes("ff000000ff00010203")), Bytes("0000")}), Code::Ok,
+     "ff000000ff00010203"},
+    {"png with colours that are transparent", "a.png",
+     Png({1, 1, 1, 3, Chunk("PLTE", Bytes("ff000000ff00")) + Chunk("tRNS", Bytes("0080")), Bytes("0000")}),
+     Code::Ok, "ff000000ff00"},
+    {"png of grays", "a.png", Png({1, 1, 8, 0, "", Bytes("0000")}), Code::Input, "no palette"},
+    {"png of direct colours that suggests a palette", "a.png",
+     Png({1, 1, 8, 2, Chunk("PLTE", Bytes("ff0000")), Bytes("00000000")}), Code::Input, "no palette"},
+    {"png without its end", "a.png",
+     Png({1, 1, 2, 3, Chunk("PLTE", Bytes("ff0000")), Bytes("0000")}).substr(0, 40), Code::Input, "damaged"},
+    {"no png", "a.png", "GIMP Palette\n1 2 3\n", Code::Input, "no PNG"},
     {"257 colours", "a.hex", Lines(257), Code::Input, "line 257"},
     {"no colours", "a.hex", "\n", Code::Input, "no colours"},
-    {"another suffix", "a.txt", "ff0000\n", Code::Usage, ".gpl or .hex"}};
+    {"another suffix", "a.txt", "ff0000\n", Code::Usage, ".gpl, .hex, .pal or .png"}};
 
 TEST(PaletteFile, GivesItsColoursOrTheLineThatIsWrong) {
   const Folder folder;
