@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "pipeline/stage.h"
+#include "pipeline/two_colors.h"
 
 namespace cvt::pipeline {
 namespace {
@@ -31,9 +32,7 @@ Status CheckRowsOut(const Workers& workers) {
   return Ok();
 }
 
-}  // namespace
-
-Status Convert(RowSource& source, const Settings& settings, RowSink& sink) {
+Status RunStages(RowSource& source, const Settings& settings, RowSink& sink) {
   Plan plan;
   if (Status bad = MakePlan(source.image, settings, &plan); Failed(bad)) return bad;
   Workers workers;
@@ -47,6 +46,14 @@ Status Convert(RowSource& source, const Settings& settings, RowSink& sink) {
   }
   if (Status bad = CheckRowsOut(workers); Failed(bad)) return bad;
   return sink.end();
+}
+
+}  // namespace
+
+Status Convert(RowSource& source, const Settings& settings, RowSink& sink) {
+  if (!WantsTwoColors(settings)) return RunStages(source, settings, sink);
+  RowSink narrowing = NarrowRows(&sink);
+  return RunStages(source, WithTwoBits(settings), narrowing);
 }
 
 }  // namespace cvt::pipeline

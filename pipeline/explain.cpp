@@ -5,6 +5,7 @@
 
 #include "pipeline/convert.h"
 #include "pipeline/stage.h"
+#include "pipeline/two_colors.h"
 
 namespace cvt::pipeline {
 namespace {
@@ -97,7 +98,9 @@ Status ExplainStage(const Stage& stage, std::vector<std::string>* lines) {
 
 Status Explain(const Image& image, const Settings& settings, std::vector<std::string>* lines) {
   Plan plan;
-  if (Status bad = MakePlan(image, settings, &plan); Failed(bad)) return bad;
+  if (Status bad = MakePlan(image, WantsTwoColors(settings) ? WithTwoBits(settings) : settings, &plan);
+      Failed(bad))
+    return bad;
   lines->clear();
   for (const Stage& stage : plan.stages)
     if (Status bad = ExplainStage(stage, lines); Failed(bad)) return bad;

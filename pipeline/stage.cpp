@@ -177,6 +177,26 @@ Status SendBand(Worker* worker) {
   return StatusOf(status, *worker);
 }
 
+// Averages lag by one pixel: pixels enter one ahead, the last one twice.
+void AdvanceLine(Worker* worker) {
+  const Entry& entry = worker->stage.entry;
+  const std::size_t pixel = entry.intake == Intake::DirectWords ? 4 : 1;
+  const auto width = static_cast<std::size_t>(entry.image.width);
+  const auto stride = static_cast<std::size_t>(
+      BandLineBytes(Layout::Packed, entry.image.width, BandBits(Layout::Packed, BandDepth(entry))));
+  std::uint8_t* line = PixelsOf(worker->band.get()) + static_cast<std::size_t>(worker->filled) * stride;
+  std::memmove(line, line + pixel, (width - 1) * pixel);
+}
+
+Status AddRow(Worker* worker, const std::uint8_t* row) {
+  if (worker->filled == 0) StartBand(worker);
+  TakeRow(worker->stage.entry, row, &worker->indices, worker->band.get(), worker->filled);
+  if (worker->stage.smooth) AdvanceLine(worker);
+  if (++worker->filled < worker->band->lineCount) return Ok();
+  worker->filled = 0;
+  return SendBand(worker);
+}
+
 }  // namespace
 
 Status StartWorker(const Stage& stage, TakeRowFunction next, Worker* worker) {
@@ -193,11 +213,13 @@ Status StartWorker(const Stage& stage, TakeRowFunction next, Worker* worker) {
 }
 
 Status PushRow(Worker* worker, const std::uint8_t* row) {
-  if (worker->filled == 0) StartBand(worker);
-  TakeRow(worker->stage.entry, row, &worker->indices, worker->band.get(), worker->filled);
-  if (++worker->filled < worker->band->lineCount) return Ok();
-  worker->filled = 0;
-  return SendBand(worker);
+  const std::int32_t rows = worker->stage.entry.image.height;
+  const std::int32_t y = worker->rowsIn++;
+  if (!worker->stage.smooth || rows == 1) return AddRow(worker, row);
+  // Averages lag by one row, so rows enter one ahead: without the first, and with the last twice.
+  if (y == 0) return Ok();
+  if (Status bad = AddRow(worker, row); Failed(bad)) return bad;
+  return y + 1 == rows ? AddRow(worker, row) : Ok();
 }
 
 }  // namespace cvt::pipeline

@@ -39,7 +39,7 @@ struct Worker {
   OwnedBand band = {};
   std::int32_t top = 0;     // of the band that is being filled
   std::int32_t filled = 0;  // its lines so far
-  std::int32_t rowsOut = 0;
+  std::int32_t rowsIn = 0, rowsOut = 0;
   std::vector<std::uint8_t> indices = {}, row = {};  // scratch rows, in and out
   Status status = {};                                // why `next` ended the work
   std::vector<LinkSeen> links = {};                  // filled when `watched`, first link first

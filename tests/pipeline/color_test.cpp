@@ -141,6 +141,22 @@ TEST(Palettes, MatchOneSetOfColorsAndWriteAnother) {
   EXPECT_EQ(Rgb(out.image.palette[1]), 0xFF0000U);
 }
 
+TEST(Palettes, TwoColorsInOneBitAreToldByTheirColor) {
+  const std::vector<IRGB> redBlue = {{255, 0, 0}, {0, 0, 255}};
+  Picture patches{{37, 2, kDirectDepth}, {}};
+  for (std::uint32_t i = 0; i < 74; ++i) patches.pixels.push_back(i % 3 == 0 ? 0xE01030 : 0x2010F0);
+  Picture mixed = patches;
+  mixed.pixels.assign(74, 0x800080);
+  for (const Layout layout : {Layout::Packed, Layout::Planes}) {
+    const Picture near = Convert(patches, {.depth = 1, .palette = redBlue, .layout = layout});
+    EXPECT_EQ(near.image.depth, 1);
+    for (std::size_t i = 0; i < 74; ++i) EXPECT_EQ(near.pixels[i], i % 3 == 0 ? 0U : 1U);
+    const Picture diffused =
+        Convert(mixed, {.depth = 1, .palette = redBlue, .halftone = Halftone::Diffusion, .layout = layout});
+    EXPECT_NEAR(static_cast<double>(std::count(diffused.pixels.begin(), diffused.pixels.end(), 1U)), 37, 3);
+  }
+}
+
 TEST(Gamma, BendsEveryKindOfSourceAlike) {
   Picture grays{{256, 1, 8, GrayRamp(8)}, {}};
   Picture colors{{256, 1, kDirectDepth}, {}};
