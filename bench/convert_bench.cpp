@@ -19,6 +19,18 @@ BENCHMARK_CAPTURE(WholePath, packed_to_8_planes, kGray,
 BENCHMARK_CAPTURE(WholePath, planes_to_8_bit_packed, kPlanes, Settings{.depth = 8, .palette = Colors(256)});
 BENCHMARK_CAPTURE(WholePath, gray_to_16_colors_nearest, kGray, Settings{.depth = 4, .palette = Colors(16)});
 BENCHMARK_CAPTURE(WholePath, indexed_to_24_bit, kIndexed, Settings{.depth = kDirectDepth});
+BENCHMARK_CAPTURE(WholePath, color_to_5_5_5, kColor, Settings{.depth = 16});
+
+// A stamp as large as the image, a quarter of it transparent: the translucent writers do most of the work.
+Settings Stamped(std::int32_t depth, std::vector<IRGB> palette, Layout layout) {
+  const Image image{kWidth, kHeight, 2, Colors(4)};
+  Settings settings{.depth = depth, .palette = std::move(palette), .layout = layout};
+  settings.overlay = {image, Photograph(image), 0, 0, 3};
+  return settings;
+}
+BENCHMARK_CAPTURE(WholePath, overlay_on_8_bits, kGray, Stamped(8, GrayRamp(8), Layout::Packed));
+BENCHMARK_CAPTURE(WholePath, overlay_on_8_planes, kPlanes, Stamped(8, Colors(256), Layout::Planes));
+BENCHMARK_CAPTURE(WholePath, overlay_on_24_bits, kColor, Stamped(kDirectDepth, {}, Layout::Packed));
 BENCHMARK_CAPTURE(WholePath, crop_packed, kGray,
                   Settings{.depth = 8, .palette = GrayRamp(8), .crop = {100, 100, 1800, 1300}});
 BENCHMARK_CAPTURE(

@@ -16,7 +16,7 @@ inline constexpr std::int32_t kBandBytes = 65535 - static_cast<std::int32_t>(kBa
 /// Bits that a pixel of a band takes: its planes, or the bits it is stored in.
 constexpr std::int32_t BandBits(Layout layout, std::int32_t depth) {
   if (layout == Layout::Planes) return depth;
-  return depth == kDirectDepth ? 32 : StoredBits(depth);
+  return depth > 16 ? 32 : StoredBits(depth);
 }
 
 /// Bytes of one line of a band, all its planes together. Rows are padded to 16-bit words.

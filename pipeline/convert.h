@@ -30,9 +30,17 @@ struct Thresholds {
   std::vector<std::uint8_t> values;
 };
 
+/// An image of up to 8 bits that is laid over the converted one; it must lie within it.
+struct Overlay {
+  Image image = {};                     // indexed, Packed; width 0: none
+  std::vector<std::uint8_t> rows = {};  // RowBytes apart
+  std::int32_t x = 0, y = 0;            // of its first pixel in the output
+  std::int32_t transparent = -1;        // index whose pixels leave the image as it is; -1: none
+};
+
 /// What to make of the image.
 struct Settings {
-  std::int32_t depth = 1;                 // bits in an output pixel: 1 to 8, or 24 for direct colour
+  std::int32_t depth = 1;                 // bits in an output pixel: 1 to 8, or 15, 16, 24, 32 for direct colour
   std::vector<IRGB> palette = {};         // output colours, at most 1 << depth, order kept; none for direct colour
   std::vector<IRGB> writtenPalette = {};  // colours that the output tells for its values; none: palette
   Halftone halftone = Halftone::Nearest;
@@ -46,6 +54,7 @@ struct Settings {
   Reduce reduce = Reduce::Smooth;
   Enlarge enlarge = Enlarge::Replicate;
   IRGB keepColor{0, 0, 0};     // Reduce::Keep: the colour whose runs never vanish
+  Overlay overlay = {};        // its colours become the nearest of the output
   std::int32_t bandLines = 0;  // most lines in a band, 0: as many as fit (results do not depend on it)
 };
 

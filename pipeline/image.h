@@ -19,7 +19,10 @@ enum class Layout : std::uint8_t { Packed, Planes };
 /// depth 1 to 8: palette indices, `palette` holds 1 to 1 << depth colours; grays are a palette as well.
 ///   Packed: pixels take StoredBits(depth) bits, leftmost in the top bits of the first byte.
 ///   Planes: `depth` planes of (width + 7) / 8 bytes each, the lowest bit's plane first.
-/// depth 24: direct colour, Packed, `palette` is empty, a pixel is three bytes, red first.
+/// Direct colour, always Packed and without a palette:
+///   depth 24: a pixel is three bytes, red first.
+///   depth 15, 16: little-endian words of 5 bits a channel, blue lowest, the top bit 0. Output only.
+///   depth 32: little-endian words of 8 bits a channel, blue lowest, the top byte 0. Output only.
 /// A row is RowBytes(image) bytes; bits behind the last pixel are undefined.
 struct Image {
   std::int32_t width = 0;
@@ -31,10 +34,13 @@ struct Image {
 
 constexpr std::int32_t kDirectDepth = 24;
 
-/// Bits that a packed pixel of a row takes: depth rounded up to 1, 2, 4 or 8, or 24.
+constexpr bool IsDirect(std::int32_t depth) { return depth > 8; }
+
+/// Bits that a packed pixel of a row takes.
 constexpr std::int32_t StoredBits(std::int32_t depth) {
-  if (depth > 8) return kDirectDepth;
-  return depth > 4 ? 8 : depth > 2 ? 4 : depth;
+  if (depth > 24) return 32;
+  if (depth > 16) return 24;
+  return depth > 8 ? 16 : depth > 4 ? 8 : depth > 2 ? 4 : depth;
 }
 
 constexpr std::size_t PlaneRowBytes(std::int32_t width) { return (static_cast<std::size_t>(width) + 7) / 8; }

@@ -36,21 +36,6 @@ void UnpackPlanes(const Image& image, const std::uint8_t* row, std::uint8_t* ind
   }
 }
 
-void Unpack(const Image& image, const std::uint8_t* row, std::uint8_t* indices) {
-  const auto width = static_cast<std::size_t>(image.width);
-  if (image.layout == Layout::Planes) return UnpackPlanes(image, row, indices);
-  switch (StoredBits(image.depth)) {
-    case 1:
-      return UnpackBits<1>(row, width, indices);
-    case 2:
-      return UnpackBits<2>(row, width, indices);
-    case 4:
-      return UnpackBits<4>(row, width, indices);
-    default:
-      std::memcpy(indices, row, width);
-  }
-}
-
 // ---- Bands ----
 
 void StoreWord(std::uint8_t* at, std::uint32_t word) {  // low byte first, on every machine
@@ -72,10 +57,10 @@ void TakeColors(const Entry& entry, const std::uint8_t* rgb, std::uint8_t* line)
 
 void TakeIndices(const Entry& entry, const std::uint8_t* row, std::vector<std::uint8_t>* indices,
                  std::uint8_t* line) {
-  if (entry.intake == Intake::Widened) return Unpack(entry.image, row, line);
+  if (entry.intake == Intake::Widened) return UnpackIndices(entry.image, row, line);
   const auto width = static_cast<std::size_t>(entry.image.width);
   indices->resize(width);
-  Unpack(entry.image, row, indices->data());
+  UnpackIndices(entry.image, row, indices->data());
   const std::uint8_t* from = indices->data();
   if (entry.intake == Intake::GrayLevels)
     for (std::size_t x = 0; x < width; ++x) line[x] = static_cast<std::uint8_t>(entry.values[from[x]]);
@@ -99,6 +84,21 @@ std::vector<IRGB> PaddedPalette(const Image& image, std::int32_t depth, const To
 }
 
 }  // namespace
+
+void UnpackIndices(const Image& image, const std::uint8_t* row, std::uint8_t* indices) {
+  const auto width = static_cast<std::size_t>(image.width);
+  if (image.layout == Layout::Planes) return UnpackPlanes(image, row, indices);
+  switch (StoredBits(image.depth)) {
+    case 1:
+      return UnpackBits<1>(row, width, indices);
+    case 2:
+      return UnpackBits<2>(row, width, indices);
+    case 4:
+      return UnpackBits<4>(row, width, indices);
+    default:
+      std::memcpy(indices, row, width);
+  }
+}
 
 Entry MakeEntry(Intake intake, const Image& image, const ToneCurve& tone) {
   Entry entry{intake, image, tone, {}, {}};

@@ -30,6 +30,9 @@ struct Entry {
   std::vector<std::uint32_t> values;  // GrayLevels, DirectWords of an indexed image: band value of each index
 };
 
+/// The palette indices of a row, a byte each.
+void UnpackIndices(const Image& image, const std::uint8_t* row, std::uint8_t* indices);
+
 Entry MakeEntry(Intake intake, const Image& image, const ToneCurve& tone);
 
 /// Depth in bits of the pixels that the band's descriptor names. Packed pixels fill the bits they are stored

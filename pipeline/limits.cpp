@@ -1,6 +1,8 @@
 #include "pipeline/limits.h"
 
+#include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <string>
 
 #include "pipeline/band.h"
@@ -23,7 +25,7 @@ bool FitsDepth(const std::vector<IRGB>& colors, std::int32_t depth) {
 }
 
 Status CheckPalette(const Settings& settings) {
-  if (settings.depth == kDirectDepth) {
+  if (IsDirect(settings.depth)) {
     if (!settings.palette.empty()) return Fail(Code::Usage, "direct colour has no palette (leave it out)");
     if (settings.halftone != Halftone::Nearest)
       return Fail(Code::Usage, "direct colour is not halftoned (choose a depth of 1 to 8, or leave it out)");
@@ -79,9 +81,10 @@ Status CheckImage(const Image& image) {
 }
 
 Status CheckSettings(const Settings& settings) {
-  if ((settings.depth < 1 || settings.depth > 8) && settings.depth != kDirectDepth)
-    return Fail(Code::Usage,
-                "depth " + std::to_string(settings.depth) + " cannot be written (choose 1 to 8, or 24)");
+  constexpr std::int32_t kDepths[] = {1, 2, 3, 4, 5, 6, 7, 8, 15, 16, 24, 32};
+  if (std::find(std::begin(kDepths), std::end(kDepths), settings.depth) == std::end(kDepths))
+    return Fail(Code::Usage, "depth " + std::to_string(settings.depth) +
+                                 " cannot be written (choose 1 to 8, or 15, 16, 24 or 32)");
   if (Status bad = CheckPalette(settings); Failed(bad)) return bad;
   if (Status bad = CheckThresholds(settings.thresholds); Failed(bad)) return bad;
   if (settings.threshold < 0 || settings.threshold > 256)
@@ -105,6 +108,24 @@ Status CheckCrop(const Image& image, const Crop& crop) {
   if (crop.x + crop.width <= kTallestScaled && crop.y + crop.height <= kTallestScaled) return Ok();
   return Fail(Code::Limit,
               "the rectangle to cut out reaches beyond column or line 32767 (cut out an earlier one)");
+}
+
+Status CheckOverlay(const Overlay& overlay, const Image& output) {
+  const Image& image = overlay.image;
+  if (image.width == 0) return Ok();
+  if (Status bad = CheckImage(image); Failed(bad)) return bad;
+  if (IsDirect(image.depth) || image.layout == Layout::Planes)
+    return Fail(Code::Usage, "the overlay has no palette (give an indexed or gray image of up to 8 bits)");
+  if (overlay.rows.size() != RowBytes(image) * static_cast<std::size_t>(image.height))
+    return Fail(Code::Usage, "the overlay's rows do not fit its size (give all of them)");
+  if (overlay.transparent < -1 || overlay.transparent >= 1 << image.depth)
+    return Fail(Code::Usage, "the transparent index is none of the overlay's (give one of its palette)");
+  if (overlay.x >= 0 && overlay.y >= 0 && overlay.x <= output.width - image.width &&
+      overlay.y <= output.height - image.height)
+    return Ok();
+  return Fail(Code::Usage, "the overlay of " + Size(image.width, image.height) +
+                               " pixels does not lie within the " + Size(output.width, output.height) +
+                               " of the output (move it, or make it smaller)");
 }
 
 Status CheckScaling(const Stage& stage) {

@@ -12,6 +12,9 @@ Status CheckSettings(const Settings& settings);
 /// The crop must lie within the image.
 Status CheckCrop(const Image& image, const Crop& crop);
 
+/// The overlay must be an indexed image that lies within the output.
+Status CheckOverlay(const Overlay& overlay, const Image& output);
+
 /// The products that scaling forms must stay within 32 bits.
 Status CheckScaling(const Stage& stage);
 

@@ -40,7 +40,7 @@ std::vector<IRGB> WantedColors(const Settings& settings) {
 ToneCurve Tone(const Settings& settings) {
   ToneCurve tone;
   host::BuildGamma(settings.gamma, tone.data());
-  if (settings.invert && settings.depth == kDirectDepth)
+  if (settings.invert && IsDirect(settings.depth))
     for (std::uint8_t& level : tone) level = static_cast<std::uint8_t>(255 - level);
   return tone;
 }
@@ -231,6 +231,8 @@ Status MakePlan(const Image& image, const Settings& settings, Plan* plan) {
     Stage last;
     if (Status bad = FinalStage(next, rest, &last); Failed(bad)) return bad;
     if (last.bandLines >= FewestBandLines(last)) {
+      if (Status bad = CheckOverlay(settings.overlay, last.output); Failed(bad)) return bad;
+      last.overlay = settings.overlay;
       plan->stages.push_back(last);
       return Ok();
     }

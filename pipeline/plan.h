@@ -22,6 +22,7 @@ struct Stage {
   std::int32_t threshold = 128;
   Thresholds thresholds;
   bool smooth = false;
+  Overlay overlay;             // of the last stage
   std::int16_t keepValue = 0;  // pixel value whose runs never vanish
   std::int32_t bandLines = 0;  // most lines in a band
 };

@@ -80,11 +80,12 @@ const std::uint8_t* RowOf(Worker* worker, tagRasterPacked* band, std::size_t lin
   const std::int32_t bits = BandBits(Layout::Packed, worker->stage.output.depth);
   const std::uint8_t* pixels =
       PixelsOf(band) + line * static_cast<std::size_t>(BandLineBytes(Layout::Packed, band->width, bits));
-  return bits == 32 ? ColorsOf(worker, pixels, band->width) : pixels;
+  return worker->stage.output.depth == kDirectDepth ? ColorsOf(worker, pixels, band->width) : pixels;
 }
 
 std::int16_t TakeBand(void* user, tagRasterPacked* band) {
   auto* worker = static_cast<Worker*>(user);
+  if (!StampBand(&worker->stamp, band)) return kCvtNoMemory;
   for (std::int32_t i = 0; i < band->lineCount; ++i, ++worker->rowsOut) {
     worker->status = worker->next(band->top + i, RowOf(worker, band, static_cast<std::size_t>(i)));
     if (Failed(worker->status)) return kNextFailed;
@@ -204,6 +205,7 @@ Status StartWorker(const Stage& stage, TakeRowFunction next, Worker* worker) {
   worker->next = std::move(next);
   DescribeWorker(worker);
   worker->row.resize(RowBytes(stage.output));
+  worker->stamp = MakeStamp(stage.overlay, stage.output);
   worker->context.reset(OpenContext(worker, stage.thresholds));
   const Layout layout = BandLayout(stage.entry);
   const std::int32_t line =

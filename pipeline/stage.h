@@ -10,6 +10,7 @@
 #include "host/op_list.h"
 #include "pipeline/band.h"
 #include "pipeline/plan.h"
+#include "pipeline/stamp.h"
 
 namespace cvt::pipeline {
 
@@ -37,6 +38,7 @@ struct Worker {
   tagIGFD destination = {};
   std::unique_ptr<tagCRLA, CloseContext> context = {};
   OwnedBand band = {};
+  Stamp stamp = {};
   std::int32_t top = 0;     // of the band that is being filled
   std::int32_t filled = 0;  // its lines so far
   std::int32_t rowsIn = 0, rowsOut = 0;

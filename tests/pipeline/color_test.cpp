@@ -69,6 +69,50 @@ TEST(DirectColor, ComesOutAsItWentInFromEveryKind) {
     }
 }
 
+TEST(DirectColor, ComesInWordsOfEveryDepth) {
+  const Picture picture{{3, 1, kDirectDepth}, {0xFF0000, 0x0080FF, 0x081018}};
+  const std::vector<std::uint8_t> rows = RowsOf(picture);
+  struct Case {
+    std::int32_t depth;
+    std::vector<std::uint8_t> row;
+  };
+  const std::vector<std::uint8_t> words = {0x00, 0x7C, 0x1F, 0x02, 0x43, 0x04};
+  const Case kCases[] = {{15, words}, {16, words}, {32, {0, 0, 0xFF, 0, 0xFF, 0x80, 0, 0, 0x18, 0x10, 0x08, 0}}};
+  for (const Case& c : kCases) {
+    RowSource source = ReadMemory(picture.image, rows.data(), rows.size());
+    Image written;
+    std::vector<std::uint8_t> out;
+    RowSink sink = WriteMemory(&written, &out);
+    ASSERT_FALSE(Failed(pipeline::Convert(source, {.depth = c.depth}, sink)));
+    EXPECT_EQ(out, c.row) << c.depth;
+  }
+}
+
+TEST(Overlay, CoversWhereItIsOpaqueInEveryKindOfOutput) {
+  // A stamp of three colours, one of them transparent, across the edge between bands.
+  Overlay overlay{{11, 5, 2, {{255, 0, 0}, {0, 255, 0}, {0, 0, 255}}}, {}, 9, 6, 1};
+  const Picture stamp = NoisePicture(overlay.image, 31);
+  overlay.rows = RowsOf(stamp);
+  const Picture slopes = Slopes(40, 30);
+  for (const Layout layout : {Layout::Packed, Layout::Planes})
+    for (const std::int32_t depth : {3, 8, kDirectDepth}) {
+      if (depth == kDirectDepth && layout == Layout::Planes) continue;
+      Settings settings{.depth = depth, .layout = layout, .bandLines = 4};
+      if (depth <= 8) settings.palette = kCorners;
+      const Picture plain = Convert(slopes, settings);
+      settings.overlay = overlay;
+      const Picture covered = Convert(slopes, settings);
+      for (std::int32_t y = 0; y < 30; ++y)
+        for (std::int32_t x = 0; x < 40; ++x) {
+          const std::size_t i = static_cast<std::size_t>(y * 40 + x);
+          const bool inside = x >= 9 && x < 20 && y >= 6 && y < 11;
+          const std::uint32_t index = inside ? At(stamp, x - 9, y - 6) : 1;
+          const IRGB expected = index == 1 ? ColorAt(plain, i) : overlay.image.palette[index];
+          ASSERT_EQ(Rgb(ColorAt(covered, i)), Rgb(expected)) << depth << " bits at " << x << ", " << y;
+        }
+    }
+}
+
 TEST(Palettes, HalftoningKeepsTheMeanColorAndUsesThePaletteAlone) {
   const Picture slopes = Slopes(240, 200);
   const Picture gray = Convert(slopes, {.depth = 8, .palette = GrayRamp(8)});
