@@ -9,9 +9,10 @@
 //   source       in      what the band is; never changed (routines edit copies)
 //   destination  in      what the next stage wants
 //   context      in/out  settings, line buffer and the state kept between bands
-// and answer kCvtOk, kCvtNoMemory when a cursor or a band cannot be had, or the nonzero status of the
-// context's convertProc unchanged. What else they answer, and what a failure leaves allocated, is said
-// with each family. None of them throws, logs or keeps state outside the context.
+// and answer kCvtOk; kCvtNoDescriptor when the descriptor cannot be copied, nothing being held then;
+// kCvtNoMemory when a cursor or a band cannot be had; or the nonzero status of the context's convertProc
+// unchanged. What else they answer, and what a failure leaves allocated, is said with each family. None of
+// them throws, logs or keeps state outside the context.
 #pragma once
 
 #include "cvt/host.h"
