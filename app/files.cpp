@@ -4,9 +4,9 @@
 
 namespace cvt::app {
 
-std::string InputName(const Arguments& arguments) {
-  return arguments.input == "-" ? "standard input" : arguments.input;
-}
+std::string SourceName(const std::string& path) { return path == "-" ? "standard input" : path; }
+
+std::string InputName(const Arguments& arguments) { return SourceName(arguments.input); }
 
 std::string OutputName(const Arguments& arguments) {
   return arguments.output == "-" ? "standard output" : arguments.output;
@@ -16,11 +16,11 @@ imageio::Format WishedFormat(const Arguments& arguments) {
   return arguments.format ? static_cast<imageio::Format>(*arguments.format) : imageio::Format::FromSuffix;
 }
 
-Outcome OpenSource(const Arguments& arguments, pipeline::RowSource* source) {
+Outcome OpenSource(const Arguments& arguments, const std::string& path, pipeline::RowSource* source) {
   imageio::ReadOptions options;
   if (arguments.background) options.background = *arguments.background;
   if (arguments.maxPixels) options.maxPixels = *arguments.maxPixels;
-  return {imageio::OpenImage(arguments.input, options, source), InputName(arguments)};
+  return {imageio::OpenImage(path, options, source), SourceName(path)};
 }
 
 Outcome CreateSink(const Arguments& arguments, pipeline::RowSink* sink) {

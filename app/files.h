@@ -7,14 +7,16 @@
 
 namespace cvt::app {
 
-/// How messages name the input and the output.
+/// How messages name an image that is read, the input and the output.
+std::string SourceName(const std::string& path);
 std::string InputName(const Arguments& arguments);
 std::string OutputName(const Arguments& arguments);
 
 /// --format, Format::FromSuffix when it is not given.
 imageio::Format WishedFormat(const Arguments& arguments);
 
-Outcome OpenSource(const Arguments& arguments, pipeline::RowSource* source);
+/// Opens an image as the options say that images are read; "-" is standard input.
+Outcome OpenSource(const Arguments& arguments, const std::string& path, pipeline::RowSource* source);
 
 Outcome CreateSink(const Arguments& arguments, pipeline::RowSink* sink);
 

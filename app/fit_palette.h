@@ -6,7 +6,7 @@
 namespace cvt::app {
 
 /// Reads the whole image and fills settings->palette with the 1 << depth colours that suit it best: as it
-/// is after clipping, scaling and the tone curve. Fails as pipeline::Convert does.
+/// is after clipping, scaling and the tone curve, overlay included. Fails as pipeline::Convert does.
 pipeline::Status FitPalette(pipeline::RowSource& source, pipeline::Settings* settings);
 
 }  // namespace cvt::app

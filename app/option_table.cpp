@@ -34,7 +34,8 @@ constexpr Word kLayouts[] = {Named("packed", Layout::Packed, "the bits of a pixe
 constexpr Word kFormats[] = {Named("png", Format::Png, "indexed, gray and direct colour"),
                              Named("pbm", Format::Pbm, "black and white, binary"),
                              Named("pgm", Format::Pgm, "grays, binary"),
-                             Named("ppm", Format::Ppm, "direct colour, binary")};
+                             Named("ppm", Format::Ppm, "direct colour, binary"),
+                             Named("raw", Format::Raw, "rows of pixels or planes, no header")};
 
 const OptionRow kConvertOptions[] = {
     {"Geometry", "--crop", "WxH+X+Y", "cut out a rectangle before anything else",
@@ -47,9 +48,10 @@ const OptionRow kConvertOptions[] = {
     {"Geometry", "--enlarge", "", "how to grow; default replicate", Choice{&Arguments::enlarge, kEnlarges}},
     {"Geometry", "--keep-color", "COLOR", "whose runs never vanish with --reduce keep; default black",
      Form<IRGB>{&Arguments::keepColor, ParseColor, kColorForm}},
-    {"Colour", "--depth", "N", "1 to 8: indexed, 24: direct colour; default: by palette, format and input",
-     Form<std::int64_t>{&Arguments::depth, ParseDepth,
-                        "1 to 8, or 24; 15, 16 and 32 need raw output, which is not there yet"}},
+    {"Colour", "--depth", "N",
+     "1 to 8: indexed, 24: direct colour; raw only: 15 and 16 (5 bits a channel), 32; default: by palette, format "
+     "and input",
+     Form<std::int64_t>{&Arguments::depth, ParseDepth, "1 to 8, 15, 16, 24 or 32"}},
     {"Colour", "--palette", "SPEC",
      "a name of r2r list palettes, FILE.gpl, .hex, .pal or .png, or #rrggbb,#rrggbb,...; order kept; default: "
      "the image's own if it fits, else gray or adaptive",
@@ -67,8 +69,16 @@ const OptionRow kConvertOptions[] = {
     {"Colour", "--background", "COLOR",
      "what transparent pixels lie on: black, white, #rgb, #rrggbb; default white",
      Form<IRGB>{&Arguments::background, ParseColor, kColorForm}},
-    {"Output", "--format", "", "default: by suffix", Choice{&Arguments::format, kFormats}},
-    {"Output", "--layout", "", "how the last band is laid out; default packed",
+    {"Output", "--overlay", "FILE[+X+Y]",
+     "lay an indexed or gray image of up to 8 bits over the output, its top left pixel at X, Y; default 0, 0",
+     Text{&Arguments::overlay}},
+    {"Output", "--transparent", "COLOR|INDEX",
+     "pixels of --overlay that are left out; what the file itself has transparent lies on --background",
+     Form<PixelWish>{&Arguments::transparent, ParsePixel,
+                     "an index from 0 to 255, black, white, #rgb or #rrggbb"}},
+    {"Output", "--format", "", "default: by suffix; raw is the rows one after another, without a header",
+     Choice{&Arguments::format, kFormats}},
+    {"Output", "--layout", "", "how the last band and the rows of raw are laid out; default packed",
      Choice{&Arguments::layout, kLayouts}},
     {"Output", "--force", "", "replace the output if it exists", Switch{&Arguments::force}},
     {"Running", "--preset", "NAME", "a bundle of options of r2r list presets; options that are given win over it",

@@ -20,7 +20,8 @@ struct Arguments {
   std::optional<std::int64_t> reduce, enlarge, halftone, layout, format;  // Word::value
   std::optional<double> gamma;
   std::optional<IRGB> keepColor, background;
-  std::optional<std::string> palette, matrix, preset;
+  std::optional<PixelWish> transparent;
+  std::optional<std::string> palette, matrix, preset, overlay;
   bool invert = false, force = false, explain = false, quiet = false;
 };
 
@@ -57,8 +58,8 @@ struct OptionRow {
   const char* name;
   const char* value;  // how the help names the value; empty for switches and choices
   const char* help;
-  std::variant<Switch, Number, Text, Choice, Form<std::int64_t>, Form<double>, Form<IRGB>, Form<SizeWish>,
-               Form<pipeline::Crop>>
+  std::variant<Switch, Number, Text, Choice, Form<std::int64_t>, Form<double>, Form<IRGB>, Form<PixelWish>,
+               Form<SizeWish>, Form<pipeline::Crop>>
       kind;
 };
 

@@ -50,7 +50,10 @@ std::optional<std::int64_t> ParseWhole(std::string_view word, std::int64_t least
 }
 
 std::optional<std::int64_t> ParseDepth(std::string_view word) {
-  return word == "24" ? 24 : ParseWhole(word, 1, 8);
+  for (const std::int64_t direct : {15, 16, 24, 32}) {
+    if (ParseWhole(word, direct, direct)) return direct;
+  }
+  return ParseWhole(word, 1, 8);
 }
 
 std::optional<double> ParseGamma(std::string_view word) { return ParseNumber(word, 0.1, 10.0); }
@@ -63,6 +66,12 @@ std::optional<IRGB> ParseColor(std::string_view word) {
   if (word.size() != 3) return imageio::HexColor(word);
   const char twice[] = {word[0], word[0], word[1], word[1], word[2], word[2]};
   return imageio::HexColor({twice, sizeof twice});
+}
+
+std::optional<PixelWish> ParsePixel(std::string_view word) {
+  if (const auto index = ParseWhole(word, 0, 255)) return PixelWish{static_cast<std::int32_t>(*index)};
+  const auto color = ParseColor(word);
+  return color ? std::optional(PixelWish{-1, *color}) : std::nullopt;
 }
 
 std::optional<pipeline::Crop> ParseCrop(std::string_view word) {

@@ -17,7 +17,7 @@ struct SizeWish {
 
 std::optional<std::int64_t> ParseWhole(std::string_view word, std::int64_t least, std::int64_t most);
 
-/// 1 to 8, or 24.
+/// 1 to 8, 15, 16, 24 or 32.
 std::optional<std::int64_t> ParseDepth(std::string_view word);
 
 /// 0.1 to 10.
@@ -25,6 +25,15 @@ std::optional<double> ParseGamma(std::string_view word);
 
 /// black, white, #rgb or #rrggbb.
 std::optional<IRGB> ParseColor(std::string_view word);
+
+/// --transparent as given: an index, or a colour where that is -1.
+struct PixelWish {
+  std::int32_t index = -1;
+  IRGB color{0, 0, 0};
+};
+
+/// A colour as above, or a number from 0 to 255.
+std::optional<PixelWish> ParsePixel(std::string_view word);
 
 /// WxH+X+Y
 std::optional<pipeline::Crop> ParseCrop(std::string_view word);

@@ -35,7 +35,7 @@ struct DitherMono {
     for (std::uint32_t run = 0; run < runs; ++run) {
       const std::uint8_t gray = GrayLevel<Decode>(values, colors[run], context);
       for (std::uint32_t n = lengths[run]; n > 0; --n, ++x)
-        WritePixel(output, x, y, IsWhite(TakeThreshold(&walk), gray) ? white : black);
+        WritePixel(output, x, y, Choose(IsWhite(TakeThreshold(&walk), gray), white, black));
     }
   }
 };

@@ -22,7 +22,8 @@ void CVT_CALL CvtWritePackedPixel(tagPackedData* cursor, std::uint16_t x, std::u
   const std::uint32_t column = ColumnOf(cursor, x), rowNumber = RowOf(cursor, y);
   if (!Inside(cursor, column, rowNumber)) return;
   const unsigned depthClass = cursor->depthClass;
-  std::uint8_t* row = cursor->data + rowNumber * RowBytesOf(cursor);
+  const std::size_t units = std::size_t{rowNumber} * cursor->rowUnits;
+  std::uint8_t* row = cursor->data + units * 2;
   if (depthClass == 0) {
     MergeBits(row + column / 8, 0x80U >> column % 8, 0 - (value & 1));
   } else if (depthClass == 3) {
@@ -34,6 +35,6 @@ void CVT_CALL CvtWritePackedPixel(tagPackedData* cursor, std::uint16_t x, std::u
   } else if (depthClass == 4) {
     StorePixel(row + std::size_t{column} * 2, Low16(value));
   } else if (cursor->rowUnits != 0) {  // pixels of no bits have no rows
-    StorePixel(row + std::size_t{column} * 4, value);
+    StorePixel(cursor->data + (units + column) * 4, value);
   }
 }

@@ -11,6 +11,7 @@
 #include "imageio/output_file.h"
 #include "imageio/png_file.h"
 #include "imageio/pnm_file.h"
+#include "imageio/raw_file.h"
 #include "imageio/suffix.h"
 
 namespace cvt::imageio {
@@ -27,11 +28,23 @@ struct Suffix {
   const char* text;
   Format format;
 };
-constexpr Suffix kSuffixes[] = {{".png", Format::Png},
-                                {".pbm", Format::Pbm},
-                                {".pgm", Format::Pgm},
-                                {".ppm", Format::Ppm},
-                                {".pnm", Format::Pnm}};
+constexpr Suffix kSuffixes[] = {{".png", Format::Png}, {".pbm", Format::Pbm}, {".pgm", Format::Pgm},
+                                {".ppm", Format::Ppm}, {".pnm", Format::Pnm}, {".raw", Format::Raw}};
+
+// What raw rows hold and files for people do not is refused here for all of them.
+pipeline::RowSink RefuseRawDepths(pipeline::RowSink sink) {
+  sink.begin = [begin = std::move(sink.begin)](const pipeline::Image& image) {
+    if (!pipeline::IsDirect(image.depth) || image.depth == pipeline::kDirectDepth) return begin(image);
+    return Fail(Code::Usage, std::to_string(image.depth) + " bits a pixel are for raw output only (choose 24)");
+  };
+  return sink;
+}
+
+pipeline::RowSink SinkFor(Format format, std::unique_ptr<OutputFile> file) {
+  if (format == Format::Raw) return WriteRaw(std::move(file));
+  if (format == Format::Png) return RefuseRawDepths(WritePng(std::move(file)));
+  return RefuseRawDepths(WritePnm(std::move(file), format));
+}
 
 }  // namespace
 
@@ -71,14 +84,14 @@ Status OpenImage(const std::string& path, const ReadOptions& options, pipeline::
 Status ChooseFormat(const std::string& path, Format wanted, Format* format) {
   *format = wanted;
   if (wanted != Format::FromSuffix) return Ok();
-  if (path == "-") return Fail(Code::Usage, "no name tells its format (give --format png, pbm, pgm or ppm)");
+  if (path == "-") return Fail(Code::Usage, "no name tells its format (give --format png, pbm, pgm, ppm or raw)");
   for (const Suffix& suffix : kSuffixes) {
     if (!HasSuffix(path, suffix.text)) continue;
     *format = suffix.format;
     return Ok();
   }
   return Fail(Code::Usage,
-              "the suffix tells no format (name it .png, .pbm, .pgm, .ppm or .pnm, or give --format)");
+              "the suffix tells no format (name it .png, .pbm, .pgm, .ppm, .pnm or .raw, or give --format)");
 }
 
 Status CreateImage(const std::string& path, const WriteOptions& options, pipeline::RowSink* sink) {
@@ -86,7 +99,7 @@ Status CreateImage(const std::string& path, const WriteOptions& options, pipelin
   if (Status failed = ChooseFormat(path, options.format, &format); Failed(failed)) return failed;
   std::unique_ptr<OutputFile> file;
   if (Status failed = CreateOutput(path, options, &file); Failed(failed)) return failed;
-  *sink = format == Format::Png ? WritePng(std::move(file)) : WritePnm(std::move(file), format);
+  *sink = SinkFor(format, std::move(file));
   return Ok();
 }
 

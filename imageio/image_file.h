@@ -1,7 +1,7 @@
 // Image files, row by row: what an application opens and creates.
 //
-// Reads and writes PNG and the PBM, PGM, PPM family. Memory does not depend on the height of the image,
-// interlaced PNG excepted. Knows nothing of bands and conversions.
+// Reads and writes PNG and the PBM, PGM, PPM family, writes raw rows. Memory does not depend on the height of
+// the image, interlaced PNG excepted. Knows nothing of bands and conversions.
 #pragma once
 
 #include <cstdint>
@@ -13,8 +13,8 @@
 
 namespace cvt::imageio {
 
-enum class Format : std::uint8_t { FromSuffix, Png, Pbm, Pgm, Ppm, Pnm };  // Pnm: the smallest of three that fits
-enum class Existing : std::uint8_t { Refuse, Replace };                    // an output file that is there already
+enum class Format : std::uint8_t { FromSuffix, Png, Pbm, Pgm, Ppm, Pnm, Raw };  // Pnm: the smallest that fits
+enum class Existing : std::uint8_t { Refuse, Replace };  // an output file that is there already
 
 struct ReadOptions {
   IRGB background{255, 255, 255};                     // what transparent pixels lie on

@@ -24,8 +24,24 @@ constexpr Case kCases[] = {
     {"gray o.png --depth 9", 2, "r2r: --depth: '9'"},
     {"gray o.png --depth 1x", 2, "r2r: --depth: '1x'"},
     {"gray o.png --depth 1 --depth 2", 2, "r2r: --depth: "},
-    {"color o.png --depth 15", 2, "r2r: --depth: '15'"},
-    {"color o.png --depth 32", 2, "r2r: --depth: '32'"},
+    {"gray o.raw --depth 17", 2, "r2r: --depth: '17'"},
+    {"color o.png --depth 15", 2, "r2r: --depth: 15 bits"},
+    {"color - --format ppm --depth 16", 2, "r2r: --depth: 16 bits"},
+    {"none o.pnm --depth 32", 2, "r2r: --depth: 32 bits"},
+    {"color o.raw --layout planes", 2, "r2r: color: planes of direct colour"},
+    {"gray o.png --transparent 0", 2, "r2r: --transparent: it belongs"},
+    {"gray o.png --overlay dots --transparent 2", 2, "r2r: --transparent: the overlay's palette has no index 2"},
+    {"gray o.png --overlay dots --transparent '#f00'", 2, "r2r: --transparent: the overlay's palette has no such"},
+    {"gray o.png --overlay dots --transparent red", 2, "r2r: --transparent: 'red'"},
+    {"gray o.png --overlay dots --transparent 256", 2, "r2r: --transparent: '256'"},
+    {"gray o.png --overlay dots+2+0", 2, "r2r: --overlay: its 3 x 1 pixels at +2+0"},
+    {"gray o.png --overlay dots+0+1", 2, "r2r: --overlay: its 3 x 1 pixels at +0+1"},
+    {"gray o.png --overlay color", 2, "r2r: --overlay: it has direct colours"},
+    {"- o.png --overlay -+1+0 <gray", 2, "r2r: --overlay: standard input"},
+    {"gray o.png --overlay none+1+0", 3, "r2r: none: "},
+    {"gray o.png --overlay dots+1", 3, "r2r: dots+1: "},
+    {"gray o.png --overlay +1+0", 3, "r2r: +1+0: "},
+    {"gray o.png --size 4x4 --overlay short", 3, "r2r: short: "},
     {"gray o.png --palette foo", 2, "r2r: --palette: 'foo'"},
     {"gray o.png --palette '#fff,'", 2, "r2r: --palette: ''"},
     {"gray o.png --palette '#fff,#00000g'", 2, "r2r: --palette: '#00000g'"},
@@ -85,6 +101,7 @@ constexpr Case kCases[] = {
     {"gray none/o.png", 5, "r2r: none/o.png: "},
     {"gray . --format png --force", 5, "r2r: .: "},
     {"gray /dev/full --format pgm", 5, "r2r: /dev/full: "},
+    {"gray /dev/full --format raw", 5, "r2r: /dev/full: "},
     {"gray - --format png >/dev/full", 5, "r2r: standard output: "},
     {"\"$(printf 'a\\nb')\" o.png", 3, "r2r: a?b: "}};
 
@@ -92,6 +109,7 @@ TEST(Message, IsOneLineWithItsExitStatusAndLeavesNoFile) {
   const Workplace place;
   place.Write("gray", "P2 4 1 255  0 100 128 255");
   place.Write("color", "P3 2 1 255  250 5 5  5 250 5");
+  place.Write("dots", "P1 3 1 101");
   place.Write("short", "P2 2 3 255  1 2 3");
   place.Write("wide", "P4 900000 1\n" + std::string(112500, 'a'));
   place.Write("color.png", place.Shell("\"$R2R\" convert color - --format png").out);
@@ -144,12 +162,33 @@ TEST(Help, GoesToStandardOutputAndNamesEveryOption) {
   const Ended ended = place.Convert("--help");
   EXPECT_EQ(ended.status, 0);
   EXPECT_EQ(ended.err, "");
-  for (const char* words :
-       {"Geometry:", "--crop WxH+X+Y", "--size",        "--reduce keep|", "--enlarge",      "--keep-color COLOR",
-        "--matrix",  "--gamma G",      "--preset NAME", "Colour:",        "Output:",        "Running:",
-        "--depth N", "--palette SPEC", "--halftone",    "--threshold N",  "--invert",       "--background COLOR",
-        "--format",  "--layout",       "--force",       "--explain",      "--max-pixels N", "-q",
-        "Examples:"}) {
+  for (const char* words : {"Geometry:",
+                            "--crop WxH+X+Y",
+                            "--size",
+                            "--reduce keep|",
+                            "--enlarge",
+                            "--keep-color COLOR",
+                            "--matrix",
+                            "--gamma G",
+                            "--preset NAME",
+                            "Colour:",
+                            "Output:",
+                            "Running:",
+                            "--depth N",
+                            "--palette SPEC",
+                            "--halftone",
+                            "--threshold N",
+                            "--invert",
+                            "--background COLOR",
+                            "--overlay FILE[+X+Y]",
+                            "--transparent COLOR|INDEX",
+                            "--format",
+                            "--layout",
+                            "--force",
+                            "--explain",
+                            "--max-pixels N",
+                            "-q",
+                            "Examples:"}) {
     EXPECT_NE(ended.out.find(words), std::string::npos) << words;
   }
   EXPECT_EQ(place.Shell("\"$R2R\" --help").status, 0);
