@@ -35,6 +35,41 @@ struct DiffuseMono {
     return std::is_same_v<From, Planes> && std::is_same_v<To, Packed> ? input->left : 0;
   }
 
+  // Runs of one pixel that a line begins with, a block at a time: all of them, where readers deliver pixels.
+  static std::uint32_t LeadingSingles(const std::uint16_t* lengths, std::uint32_t runs) {
+    constexpr std::uint32_t kBlock = 64;
+    std::uint32_t singles = 0;
+    for (; singles + kBlock <= runs; singles += kBlock) {
+      std::uint32_t others = 0;
+      for (std::uint32_t i = 0; i < kBlock; ++i) others |= lengths[singles + i] ^ 1U;
+      if (others != 0) break;
+    }
+    return singles;
+  }
+
+  // Where a line stands. What the entry to the left holds is kept here, and stored once the pixel to its
+  // right has added its share, or earlier where the host is called in between.
+  struct Walk {
+    std::uint32_t x;
+    std::int16_t* at;
+    std::int16_t* toLeft;
+    std::int16_t held;
+    Spread before;  // of the pixel to the left
+  };
+
+  template <class Inks>
+  static void DiffusePixel(std::uint8_t gray, std::uint32_t black, std::uint32_t white, Walk* walk,
+                           typename To::Cursor* output, std::uint16_t y) {
+    const std::int32_t wanted = gray + *walk->at + walk->before.right;
+    const Spread spread = Inks::Of(wanted);
+    *walk->toLeft = Wrap16(walk->held + BelowLeftShare(spread.error));
+    *walk->at = BelowShare(spread.error);
+    WritePixel(output, Low16(walk->x++), y, Choose(IsWhite(Wrap16(wanted)), white, black));
+    walk->held = Wrap16(BelowShare(spread.error) + BelowRightShare(walk->before.error));
+    walk->toLeft = walk->at++;
+    walk->before = spread;
+  }
+
   // Flattened: where the host is compiled in as well, its pixel writer becomes part of the loop.
   template <class Decode, class Inks>
   [[gnu::flatten, gnu::noinline]] static void DiffuseLine(const Values& values, std::uint32_t entry,
@@ -45,26 +80,22 @@ struct DiffuseMono {
     const std::uint32_t* colors = context->values;
     const std::uint32_t black = values.black;
     const std::uint32_t white = values.white;
-    std::uint32_t x = entry + output->left;
-    std::int16_t* at = context->errorRow + entry;
     std::int16_t dropped = 0;  // the share below left of the image's first column
+    std::int16_t* at = context->errorRow + entry;
     std::int16_t* toLeft = entry > 0 ? at - 1 : &dropped;
-    std::int16_t held = *toLeft;
-    Spread before{0, 0};  // of the pixel to the left
+    Walk walk{entry + output->left, at, toLeft, *toLeft, {0, 0}};
 
-    for (std::uint32_t run = 0; run < runs; ++run) {
+    const std::uint32_t singles = LeadingSingles(lengths, runs);
+    for (std::uint32_t run = 0; run < singles; ++run) {
       const std::uint8_t gray = GrayLevel<Decode>(values, colors[run], context);
-      for (std::uint32_t n = lengths[run]; n > 0; --n, ++x) {
-        const std::int32_t wanted = gray + *at + before.right;
-        const Spread spread = Inks::Of(wanted);
-        *toLeft = Wrap16(held + BelowLeftShare(spread.error));
-        *at = BelowShare(spread.error);
-        WritePixel(output, Low16(x), y, Choose(IsWhite(Wrap16(wanted)), white, black));
-        held = Wrap16(BelowShare(spread.error) + BelowRightShare(before.error));
-        *at = held;
-        toLeft = at++;
-        before = spread;
-      }
+      DiffusePixel<Inks>(gray, black, white, &walk, output, y);
+      if constexpr (std::is_same_v<Decode, DecodeWithGamma>) *walk.toLeft = walk.held;
+    }
+    *walk.toLeft = walk.held;
+    for (std::uint32_t run = singles; run < runs; ++run) {
+      const std::uint8_t gray = GrayLevel<Decode>(values, colors[run], context);
+      for (std::uint32_t n = lengths[run]; n > 0; --n) DiffusePixel<Inks>(gray, black, white, &walk, output, y);
+      *walk.toLeft = walk.held;
     }
   }
 };

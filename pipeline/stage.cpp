@@ -47,8 +47,10 @@ void DescribeWorker(Worker* worker) {
   Stage& stage = worker->stage;
   const Pixels pixels{BandLayout(stage.entry), BandDepth(stage.entry)};
   worker->source = Describe(stage.entry.image, pixels, &stage.entry.colors, &worker->operations);
+  // One plane has the rows of packed bits, and hosts set its pixels faster.
+  const Layout outputLayout = stage.output.depth == 1 ? Layout::Planes : stage.output.layout;
   worker->destination =
-      Describe(stage.output, {stage.output.layout, stage.output.depth}, &stage.wantedColors, &worker->operations);
+      Describe(stage.output, {outputLayout, stage.output.depth}, &stage.wantedColors, &worker->operations);
   worker->destination.keepColor = stage.keepValue;
   DescribeCrop(stage.crop, &worker->source);
   if (stage.smooth) worker->source.options = kSmoothOption;
@@ -76,7 +78,7 @@ const std::uint8_t* ColorsOf(Worker* worker, const std::uint8_t* words, std::siz
 }
 
 const std::uint8_t* RowOf(Worker* worker, tagRasterPacked* band, std::size_t line) {
-  if (LayoutOf(band) == Layout::Planes) return GatherPlanes(worker, band, line);
+  if (LayoutOf(band) == Layout::Planes && band->bitsPerPixel > 1) return GatherPlanes(worker, band, line);
   const std::int32_t bits = BandBits(Layout::Packed, worker->stage.output.depth);
   const std::uint8_t* pixels =
       PixelsOf(band) + line * static_cast<std::size_t>(BandLineBytes(Layout::Packed, band->width, bits));
