@@ -41,18 +41,26 @@ Image TakeImage(Bytes* bytes) {
 }
 
 Settings TakeSettings(Bytes* bytes) {
+  constexpr std::int32_t kDepths[] = {1, 2, 3, 4, 5, 8, 9, 15, 24, 32};
   Settings settings;
-  settings.depth = Take(bytes) % 10;
+  settings.depth = kDepths[Take(bytes) % 10];
   settings.palette = TakeColors(bytes, Take(bytes) % 20);
-  settings.halftone = static_cast<Halftone>(Take(bytes) % 2);
+  settings.halftone = static_cast<Halftone>(Take(bytes) % 3);
   settings.threshold = Take(bytes) * 2 - 100;
   settings.invert = Take(bytes) % 2 != 0;
   settings.layout = static_cast<Layout>(Take(bytes) % 2);
+  settings.reduce = static_cast<Reduce>(Take(bytes) % 3);
+  settings.enlarge = static_cast<Enlarge>(Take(bytes) % 2);
+  if (Take(bytes) % 2 != 0) settings.width = Take(bytes);
+  if (Take(bytes) % 2 != 0) settings.height = Take(bytes);
+  if (Take(bytes) % 4 == 0)
+    settings.crop = {Take(bytes) % 40, Take(bytes) % 20, Take(bytes) % 40, Take(bytes) % 20};
   return settings;
 }
 
 struct Result {
   Code code;
+  Image image;
   std::vector<std::uint8_t> rows;
 };
 
@@ -61,19 +69,17 @@ Result Run(const Image& image, const Settings& settings, Bytes pixels) {
                      for (std::size_t i = 0; i < bytes; ++i) row[i] = Take(&pixels);
                      return Ok();
                    }};
-  Image written;
   Result result;
-  RowSink sink = WriteMemory(&written, &result.rows);
+  RowSink sink = WriteMemory(&result.image, &result.rows);
   result.code = Convert(source, settings, sink).code;
   return result;
 }
 
 // Bits behind the last pixel of a row are undefined.
-void ClearPadding(const Image& image, const Settings& settings, std::vector<std::uint8_t>* rows) {
-  const Image output{image.width, image.height, settings.depth, settings.palette, settings.layout};
-  const bool planes = settings.layout == Layout::Planes;
-  const std::size_t rowBytes = planes ? PlaneRowBytes(image.width) : RowBytes(output);
-  const int used = image.width * (planes ? 1 : StoredBits(settings.depth)) % 8;
+void ClearPadding(const Image& output, std::vector<std::uint8_t>* rows) {
+  const bool planes = output.layout == Layout::Planes;
+  const std::size_t rowBytes = planes ? PlaneRowBytes(output.width) : RowBytes(output);
+  const int used = output.width * (planes ? 1 : StoredBits(output.depth)) % 8;
   if (used == 0) return;
   for (std::size_t i = rowBytes - 1; i < rows->size(); i += rowBytes)
     (*rows)[i] &= static_cast<std::uint8_t>(0xFF00 >> used);
@@ -91,8 +97,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   Result low = Run(image, settings, bytes);
   if (tall.code != low.code || cvt::host::heapUse.liveBlocks != before) std::abort();
   if (tall.code != Code::Ok) return 0;
-  ClearPadding(image, settings, &tall.rows);
-  ClearPadding(image, settings, &low.rows);
+  ClearPadding(tall.image, &tall.rows);
+  ClearPadding(low.image, &low.rows);
   if (tall.rows != low.rows) std::abort();
   return 0;
 }
