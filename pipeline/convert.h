@@ -53,9 +53,11 @@ struct Settings {
   std::int32_t width = 0, height = 0;  // new size; 0: as it is
   Reduce reduce = Reduce::Smooth;
   Enlarge enlarge = Enlarge::Replicate;
-  IRGB keepColor{0, 0, 0};     // Reduce::Keep: the colour whose runs never vanish
-  Overlay overlay = {};        // its colours become the nearest of the output
-  std::int32_t bandLines = 0;  // most lines in a band, 0: as many as fit (results do not depend on it)
+  IRGB keepColor{0, 0, 0};  // Reduce::Keep: the colour whose runs never vanish
+  Overlay overlay = {};     // its colours become the nearest of the output
+  // Most lines in a band, 0: as many as fit. Results do not depend on it, but for smooth scaling to a height
+  // that is a multiple of the image's: cut into bands, such an image lies one source line lower.
+  std::int32_t bandLines = 0;
 };
 
 /// Converts all rows of `source` and writes them to `sink`.
