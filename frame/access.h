@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "cvt/cvtr2r.h"
+#include "frame/ints.h"
 
 namespace cvt {
 
@@ -29,7 +30,7 @@ inline void ReadPixels(tagPackedData* cursor, tagCRLA* context, std::uint16_t pi
 // Reads the whole of line y.
 template <class Cursor>
 void ReadLine(Cursor* cursor, tagCRLA* context, std::uint16_t y) {
-  ReadPixels(cursor, context, static_cast<std::uint16_t>(cursor->right - cursor->left), cursor->left, y);
+  ReadPixels(cursor, context, Low16(std::uint32_t{cursor->right} - cursor->left), cursor->left, y);
 }
 
 // Writes the context's runs into line y, from the band's first column on.

@@ -111,8 +111,8 @@ CvtStatus ConvertLines(const typename Rule::Values& values, typename From::Curso
   return kCvtOk;
 }
 
-// Makes, converts, hands on and frees one sub-band. After a failure everything taken stands in *held, for
-// the family's policy to be applied once, by the caller.
+// Makes, converts, hands on and frees one sub-band. After a failure the family's policy has been applied
+// to everything that stands in *held.
 template <Family kFamily, class Rule, class From, class To>
 CvtStatus ConvertSubBand(const typename Rule::Values& values, const BandShape& shape, Held<From, To>* held,
                          tagIGFD* source, tagIGFD* destination, tagCRLA* context) {

@@ -121,13 +121,17 @@ Layout BandLayout(const Entry& entry) {
   return entry.intake == Intake::AsStored ? entry.image.layout : Layout::Packed;
 }
 
+std::int32_t BandLine(const Entry& entry) {
+  const Layout layout = BandLayout(entry);
+  return BandLineBytes(layout, entry.image.width, BandBits(layout, BandDepth(entry)));
+}
+
 void TakeRow(const Entry& entry, const std::uint8_t* row, std::vector<std::uint8_t>* indices,
              tagRasterPacked* band, std::int32_t line) {
   const Image& image = entry.image;
   if (BandLayout(entry) == Layout::Planes) return ScatterPlanes(image, row, band, line);
-  const std::int32_t stride =
-      BandLineBytes(Layout::Packed, image.width, BandBits(Layout::Packed, BandDepth(entry)));
-  std::uint8_t* to = PixelsOf(band) + static_cast<std::size_t>(line) * static_cast<std::size_t>(stride);
+  const auto stride = static_cast<std::size_t>(BandLine(entry));
+  std::uint8_t* to = PixelsOf(band) + static_cast<std::size_t>(line) * stride;
   if (entry.intake == Intake::AsStored) {
     std::memcpy(to, row, RowBytes(image));
   } else if (image.depth == kDirectDepth) {

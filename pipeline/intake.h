@@ -42,6 +42,9 @@ std::int32_t BandDepth(const Entry& entry);
 /// Layout of the band.
 Layout BandLayout(const Entry& entry);
 
+/// Bytes of one line of the band, all its planes together.
+std::int32_t BandLine(const Entry& entry);
+
 /// Writes one row of the image, as its source delivered it, to line `line` of the band, counted from 0.
 /// A band of planes takes its plane size from its header. `indices` is scratch memory of a row.
 void TakeRow(const Entry& entry, const std::uint8_t* row, std::vector<std::uint8_t>* indices,

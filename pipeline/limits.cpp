@@ -45,7 +45,8 @@ Status CheckThresholds(const Thresholds& thresholds) {
   const std::int32_t width = thresholds.width, height = thresholds.height;
   if (thresholds.values.empty() && width == 0 && height == 0) return Ok();
   const bool sized = width >= 1 && width <= 255 && height >= 1 && height <= 255;
-  if (sized && thresholds.values.size() == static_cast<std::size_t>(width * height)) return Ok();
+  if (sized && thresholds.values.size() == static_cast<std::size_t>(width) * static_cast<std::size_t>(height))
+    return Ok();
   return Fail(Code::Usage,
               "a matrix of " + Size(width, height) + " thresholds cannot be used (give 1 x 1 to 255 x 255)");
 }

@@ -111,7 +111,7 @@ std::int32_t MostBandLines(const Stage& stage, const Settings& settings) {
   const Image& to = stage.output;
   const Layout layout = BandLayout(stage.entry);
   const std::int32_t bits = BandBits(layout, BandDepth(stage.entry));
-  const std::int32_t sourceLine = BandLineBytes(layout, stage.entry.image.width, bits);
+  const std::int32_t sourceLine = BandLine(stage.entry);
   const std::int32_t scaledLine = BandLineBytes(layout, to.width, bits);
   const std::int32_t outputLine = BandLineBytes(to.layout, to.width, BandBits(to.layout, to.depth));
   const std::int32_t most =

@@ -123,8 +123,9 @@ std::int16_t CVT_CALL RunLink(tagRasterPacked** band, tagIGFD* source, tagIGFD* 
   return status;
 }
 
-tagCRLA* OpenContext(Worker* worker, const Thresholds& thresholds) {
+tagCRLA* OpenContext(Worker* worker) {
   const Stage& stage = worker->stage;
+  const Thresholds& thresholds = stage.thresholds;
   host::ConversionSetup setup;
   setup.source = &worker->source;
   setup.destination = &worker->destination;
@@ -151,7 +152,7 @@ void StartBand(Worker* worker) {
   const Layout layout = BandLayout(entry);
   const std::int32_t width = entry.image.width, lines = LinesFrom(worker->stage, worker->top);
   const std::int32_t bits = BandBits(layout, BandDepth(entry));
-  LabelBand(layout, BandLineBytes(layout, width, bits) * lines, worker->band.get());
+  LabelBand(layout, BandLine(entry) * lines, worker->band.get());
   tagRasterPacked* band = worker->band.get();
   band->top = static_cast<std::uint16_t>(worker->top);
   band->width = static_cast<std::uint16_t>(width);
@@ -159,7 +160,6 @@ void StartBand(Worker* worker) {
   band->bitsPerPixel = static_cast<std::uint16_t>(bits);
   if (layout == Layout::Planes)
     band->planeBytes = static_cast<std::uint16_t>(BandLineBytes(layout, width, 1) * lines);
-  worker->filled = 0;
 }
 
 Status StatusOf(CvtStatus status, const Worker& worker) {
@@ -185,8 +185,7 @@ void AdvanceLine(Worker* worker) {
   const Entry& entry = worker->stage.entry;
   const std::size_t pixel = entry.intake == Intake::DirectWords ? 4 : 1;
   const auto width = static_cast<std::size_t>(entry.image.width);
-  const auto stride = static_cast<std::size_t>(
-      BandLineBytes(Layout::Packed, entry.image.width, BandBits(Layout::Packed, BandDepth(entry))));
+  const auto stride = static_cast<std::size_t>(BandLine(entry));
   std::uint8_t* line = PixelsOf(worker->band.get()) + static_cast<std::size_t>(worker->filled) * stride;
   std::memmove(line, line + pixel, (width - 1) * pixel);
 }
@@ -208,11 +207,8 @@ Status StartWorker(const Stage& stage, TakeRowFunction next, Worker* worker) {
   DescribeWorker(worker);
   worker->row.resize(RowBytes(stage.output));
   worker->stamp = MakeStamp(stage.overlay, stage.output);
-  worker->context.reset(OpenContext(worker, stage.thresholds));
-  const Layout layout = BandLayout(stage.entry);
-  const std::int32_t line =
-      BandLineBytes(layout, stage.entry.image.width, BandBits(layout, BandDepth(stage.entry)));
-  worker->band = NewBand(line * stage.bandLines);
+  worker->context.reset(OpenContext(worker));
+  worker->band = NewBand(BandLine(stage.entry) * stage.bandLines);
   return worker->context == nullptr || worker->band == nullptr ? OutOfMemory() : Ok();
 }
 
