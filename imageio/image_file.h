@@ -13,8 +13,10 @@
 
 namespace cvt::imageio {
 
-enum class Format : std::uint8_t { FromSuffix, Png, Pbm, Pgm, Ppm, Pnm, Raw };  // Pnm: the smallest that fits
-enum class Existing : std::uint8_t { Refuse, Replace };  // an output file that is there already
+// Pnm: the smallest of the three that fits. C: an array in a C source.
+enum class Format : std::uint8_t { FromSuffix, Png, Tiff, Pbm, Pgm, Ppm, Pnm, Pam, Raw, C };
+enum class Compression : std::uint8_t { Default, None, Lzw, Deflate, G4 };  // of TIFF
+enum class Existing : std::uint8_t { Refuse, Replace };                     // an output file that is there already
 
 struct ReadOptions {
   IRGB background{255, 255, 255};                     // what transparent pixels lie on
@@ -28,6 +30,7 @@ struct WriteOptions {
   // Told the name of the temporary file once it is there, and null when it is gone again: a program that
   // is interrupted can remove it. The name lives until the null.
   std::function<void(const char* name)> temporary;
+  Compression compression = Compression::Default;  // another one is refused for formats but TIFF
 };
 
 /// Opens an image; "-" is standard input. The first bytes tell the format. Gray and indexed images come at

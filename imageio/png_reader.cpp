@@ -6,9 +6,9 @@
 #include <utility>
 #include <vector>
 
+#include "imageio/flatten.h"
 #include "imageio/limits.h"
 #include "imageio/png_file.h"
-#include "imageio/png_flatten.h"
 #include "imageio/png_guard.h"
 #include "imageio/samples.h"
 
@@ -42,7 +42,7 @@ struct PngReader {
   std::size_t storedBytes = 0;     // in a row as the file stores it
   std::vector<std::uint8_t> rows;  // one stored row to be flattened, or all rows of an interlaced image
   FlattenRow flatten = nullptr;    // null: rows are delivered as they are stored
-  Flatten how{};
+  Flatten how;
   std::vector<std::uint8_t> pixels;  // a row to be searched for colours that the palette lacks, else empty
 };
 
@@ -130,17 +130,10 @@ void TakeKey(PngReader& reader, int colorType) {
   reader.how.key[2] = key->blue;
 }
 
-// Grays over a coloured background are colours.
 void TakeSamples(PngReader& reader, int colorType, int bitDepth) {
-  const IRGB under = reader.options.background;
-  const bool alpha = (colorType & PNG_COLOR_MASK_ALPHA) != 0;
   const bool gray = (colorType & PNG_COLOR_MASK_COLOR) == 0;
-  const bool grayUnder = under.red == under.green && under.green == under.blue;
-  const bool grayOut = gray && (grayUnder || !(alpha || reader.how.hasKey));
-  reader.image.depth = grayOut ? 8 : pipeline::kDirectDepth;
-  if (grayOut) reader.image.palette = pipeline::GrayRamp(8);
-  if (!gray && !alpha && !reader.how.hasKey && bitDepth == 8) return;
-  reader.flatten = FlattenRowFor({bitDepth / 8, gray ? 1 : 3, alpha, grayOut ? 1 : 3});
+  const bool alpha = (colorType & PNG_COLOR_MASK_ALPHA) != 0;
+  reader.flatten = ChooseFlatten({bitDepth / 8, gray ? 1 : 3, alpha}, reader.how, &reader.image);
 }
 
 Status TakeHeader(PngReader& reader) {

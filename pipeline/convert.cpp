@@ -32,13 +32,23 @@ Status CheckRowsOut(const Workers& workers) {
   return Ok();
 }
 
+// What the sink gets. An image that is scaled keeps the size that it has on paper.
+Image OutputOf(const Plan& plan, const Image& source, const Settings& settings) {
+  Image output = plan.stages.back().output;
+  const bool clipped = settings.crop.width > 0;
+  const std::int32_t width = clipped ? settings.crop.width : source.width;
+  const std::int32_t height = clipped ? settings.crop.height : source.height;
+  output.resolution = {source.resolution.x * output.width / width, source.resolution.y * output.height / height};
+  return output;
+}
+
 Status RunStages(RowSource& source, const Settings& settings, RowSink& sink) {
   Plan plan;
   if (Status bad = MakePlan(source.image, settings, &plan); Failed(bad)) return bad;
   Workers workers;
   const auto write = [&sink](std::int32_t y, const std::uint8_t* row) { return sink.write(y, row); };
   if (Status bad = StartWorkers(plan, write, &workers); Failed(bad)) return bad;
-  if (Status bad = sink.begin(plan.stages.back().output); Failed(bad)) return bad;
+  if (Status bad = sink.begin(OutputOf(plan, source.image, settings)); Failed(bad)) return bad;
   std::vector<std::uint8_t> row(RowBytes(source.image));
   for (std::int32_t y = 0; y < source.image.height; ++y) {
     if (Status bad = source.read(row.data()); Failed(bad)) return bad;

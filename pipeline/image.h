@@ -14,6 +14,11 @@ namespace cvt::pipeline {
 
 enum class Layout : std::uint8_t { Packed, Planes };
 
+/// Pixels an inch; 0: not known.
+struct Resolution {
+  double x = 0, y = 0;
+};
+
 /// What the rows of an image are.
 ///
 /// depth 1 to 8: palette indices, `palette` holds 1 to 1 << depth colours; grays are a palette as well.
@@ -30,6 +35,7 @@ struct Image {
   std::int32_t depth = 0;
   std::vector<IRGB> palette = {};
   Layout layout = Layout::Packed;
+  Resolution resolution = {};
 };
 
 constexpr std::int32_t kDirectDepth = 24;

@@ -1,6 +1,9 @@
-#include "imageio/png_flatten.h"
+#include "imageio/flatten.h"
 
 #include <cstddef>
+#include <vector>
+
+#include "imageio/palette_kind.h"
 
 namespace cvt::imageio {
 
@@ -41,20 +44,26 @@ void FlattenPixels(const Flatten& how, const std::uint8_t* samples, std::uint8_t
 }
 
 template <std::ptrdiff_t kBytes, bool kAlpha>
-FlattenRow ByColors(const PixelShape& shape) {
+FlattenRow ByColors(const PixelShape& shape, bool grayOut) {
   if (shape.colors == 3) return FlattenPixels<kBytes, 3, kAlpha, 3>;
-  return shape.outColors == 3 ? FlattenPixels<kBytes, 1, kAlpha, 3> : FlattenPixels<kBytes, 1, kAlpha, 1>;
+  return grayOut ? FlattenPixels<kBytes, 1, kAlpha, 1> : FlattenPixels<kBytes, 1, kAlpha, 3>;
 }
 
 template <std::ptrdiff_t kBytes>
-FlattenRow ByAlpha(const PixelShape& shape) {
-  return shape.alpha ? ByColors<kBytes, true>(shape) : ByColors<kBytes, false>(shape);
+FlattenRow ByAlpha(const PixelShape& shape, bool grayOut) {
+  return shape.alpha ? ByColors<kBytes, true>(shape, grayOut) : ByColors<kBytes, false>(shape, grayOut);
 }
 
 }  // namespace
 
-FlattenRow FlattenRowFor(const PixelShape& shape) {
-  return shape.sampleBytes == 1 ? ByAlpha<1>(shape) : ByAlpha<2>(shape);
+FlattenRow ChooseFlatten(const PixelShape& shape, const Flatten& how, pipeline::Image* image) {
+  const bool transparent = shape.alpha || how.hasKey;
+  const bool gray = shape.colors == 1;
+  const bool grayOut = gray && (IsGray(how.background) || !transparent);
+  image->depth = grayOut ? 8 : pipeline::kDirectDepth;
+  image->palette = grayOut ? pipeline::GrayRamp(8) : std::vector<IRGB>{};
+  if (shape.sampleBytes == 1 && !transparent) return nullptr;
+  return shape.sampleBytes == 1 ? ByAlpha<1>(shape, grayOut) : ByAlpha<2>(shape, grayOut);
 }
 
 }  // namespace cvt::imageio

@@ -4,29 +4,31 @@
 #include <cstdint>
 
 #include "cvt/records.h"
+#include "pipeline/image.h"
 
 namespace cvt::imageio {
 
 /// What a row of samples is and what lies under it.
 struct Flatten {
-  std::int32_t width;
-  IRGB background;
-  bool hasKey;           // pixels of exactly this colour are transparent
-  std::uint16_t key[3];  // as many as the row has colour samples, unscaled
+  std::int32_t width = 0;
+  IRGB background{255, 255, 255};
+  bool hasKey = false;        // pixels of exactly this colour are transparent
+  std::uint16_t key[3] = {};  // as many as the row has colour samples, unscaled
 };
 
 /// The samples of a pixel.
 struct PixelShape {
   std::int32_t sampleBytes;  // 1, or 2 with the high byte first
   std::int32_t colors;       // 1: gray, 3: red, green, blue
-  bool alpha;                // a sample for opacity follows the colour
-  std::int32_t outColors;    // samples that the flat pixel has: 1 or 3, not less than `colors`
+  bool alpha;                // a sample for opacity, not multiplied into the colour, follows it
 };
 
 using FlattenRow = void (*)(const Flatten& how, const std::uint8_t* samples, std::uint8_t* row);
 
-/// The function that flattens rows of such pixels.
-FlattenRow FlattenRowFor(const PixelShape& shape);
+/// Settles what such pixels become, 256 grays or 24-bit colour (grays over a coloured background are
+/// colours), in image->depth and palette. Answers the function that flattens their rows, null where rows
+/// are already as they shall be.
+FlattenRow ChooseFlatten(const PixelShape& shape, const Flatten& how, pipeline::Image* image);
 
 /// A sample over the background, rounded to the nearest of 256 levels: alpha and sample of 0 to kMost.
 template <std::uint64_t kMost>
