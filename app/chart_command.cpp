@@ -28,8 +28,9 @@ Status CopyRows(const RowSource& source, const RowSink& sink) {
 
 Outcome RunChart(const Arguments& arguments) {
   RowSink sink;
-  if (Outcome failed = CreateSink(arguments, &sink); app::Failed(failed)) return failed;
-  return {CopyRows(pipeline::ReadChart(), sink), OutputName(arguments)};
+  const Files files{"", arguments.operands[0]};
+  if (Outcome failed = CreateSink(arguments, files, &sink); app::Failed(failed)) return failed;
+  return {CopyRows(pipeline::ReadChart(), sink), OutputName(files)};
 }
 
 }  // namespace cvt::app

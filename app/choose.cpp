@@ -180,21 +180,26 @@ void TakeAsGiven(const Arguments& arguments, Settings* settings) {
 
 }  // namespace
 
-Outcome ChooseSettings(const Arguments& arguments, const PaletteWish& wish, const Image& image, Format format,
+Outcome ReadWishes(const Arguments& arguments, Wishes* wishes) {
+  if (Outcome failed = ReadPaletteWish(arguments.palette, &wishes->palette); Failed(failed)) return failed;
+  return ReadMatrixWish(arguments.matrix, &wishes->thresholds);
+}
+
+Outcome ChooseSettings(const Arguments& arguments, const Wishes& wishes, const Image& image, Format format,
                        Chosen* chosen) {
   Settings& settings = chosen->settings;
   const bool gray = imageio::IsGray(image);
   TakeAsGiven(arguments, &settings);
   ChooseGeometry(arguments, image, gray, &settings);
-  const Job job{arguments, wish, image, format, gray, Mixes(settings, image)};
+  const Job job{arguments, wishes.palette, image, format, gray, Mixes(settings, image)};
   settings.depth = ChooseDepth(job);
   const Colors colors = ChooseColors(job, settings.depth);
   chosen->adaptive = colors == Colors::Adaptive;
   settings.palette = PaletteOf(job, colors, settings.depth);
-  settings.writtenPalette = colors == Colors::Given ? wish.written : std::vector<IRGB>{};
+  settings.writtenPalette = colors == Colors::Given ? wishes.palette.written : std::vector<IRGB>{};
   settings.halftone = ChooseHalftone(job, colors, settings.palette);
-  if (Outcome failed = CheckTogether(job, colors, settings); Failed(failed)) return failed;
-  return ReadMatrixWish(arguments.matrix, &settings.thresholds);
+  settings.thresholds = wishes.thresholds;
+  return CheckTogether(job, colors, settings);
 }
 
 }  // namespace cvt::app

@@ -8,6 +8,14 @@
 
 namespace cvt::app {
 
+/// What options name that is the same for every image.
+struct Wishes {
+  PaletteWish palette;
+  pipeline::Thresholds thresholds;
+};
+
+Outcome ReadWishes(const Arguments& arguments, Wishes* wishes);
+
 struct Chosen {
   pipeline::Settings settings;
   bool adaptive = false;  // settings.palette is still to be fitted to the image
@@ -15,7 +23,7 @@ struct Chosen {
 
 /// The settings for `image`, written as `format`. Code::Usage for options that contradict each other or
 /// cannot be met.
-Outcome ChooseSettings(const Arguments& arguments, const PaletteWish& wish, const pipeline::Image& image,
+Outcome ChooseSettings(const Arguments& arguments, const Wishes& wishes, const pipeline::Image& image,
                        imageio::Format format, Chosen* chosen);
 
 }  // namespace cvt::app

@@ -5,9 +5,8 @@
 #include <string_view>
 #include <vector>
 
-#include "app/chart_command.h"
-#include "app/convert_command.h"
-#include "app/list_command.h"
+#include "app/commands.h"
+#include "app/help_text.h"
 #include "app/presets.h"
 
 namespace cvt::app {
@@ -60,51 +59,11 @@ void AddOption(CLI::App& app, const OptionRow& row, Arguments* arguments) {
   option->group(row.group);
 }
 
-struct Operand {
-  const char* name = nullptr;  // null: none
-  std::string Arguments::*target = nullptr;
-  const char* help = nullptr;
-};
-
-struct Command {
-  const char* name;
-  const char* what;
-  const char* form;  // how it is given, for messages
-  Outcome (*run)(const Arguments& arguments);
-  Operand operands[2];
-  std::string_view options;  // blanks between and at both ends; empty: all
-};
-
-constexpr Command kCommands[] = {
-    {"convert",
-     "Convert one image; \"-\" is standard input or output",
-     "r2r convert INPUT OUTPUT",
-     RunConvert,
-     {{"INPUT", &Arguments::input, "PNG, PBM, PGM or PPM"},
-      {"OUTPUT", &Arguments::output, "PNG, PBM, PGM, PPM or raw"}},
-     ""},
-    {"chart",
-     "Write the test chart",
-     "r2r chart OUTPUT",
-     RunChart,
-     {{"OUTPUT", &Arguments::output, "PNG, PPM or raw"}},
-     " --format --force "},
-    {"list",
-     "List what can be chosen from",
-     "r2r list TOPIC",
-     RunList,
-     {{"TOPIC", &Arguments::topic, "methods, matrices, palettes, formats or presets"}},
-     "  "}};
-
 void AddCommand(CLI::App& root, const Command& command, Arguments* arguments) {
   CLI::App* added = root.add_subcommand(command.name, command.what);
-  for (const Operand& operand : command.operands) {
-    if (operand.name != nullptr)
-      added->add_option(operand.name, arguments->*operand.target, operand.help)->type_name("");
-  }
+  added->add_option("OPERANDS", arguments->operands, command.operands)->type_name("");
   for (const OptionRow& row : ConvertOptions()) {
-    const bool taken = command.options.find(" " + std::string(row.name) + " ") != std::string_view::npos;
-    if (command.options.empty() || taken) AddOption(*added, row, arguments);
+    if (Takes(command, row)) AddOption(*added, row, arguments);
   }
   added->set_help_flag("--help", "print this help")->group("Running");
   added->allow_extras();
@@ -112,19 +71,10 @@ void AddCommand(CLI::App& root, const Command& command, Arguments* arguments) {
 }
 
 const Command* CommandOf(const CLI::App& root) {
-  for (const Command& command : kCommands) {
+  for (const Command& command : Commands()) {
     if (root.got_subcommand(command.name)) return &command;
   }
   return nullptr;
-}
-
-// Operands are required, but CheckRequest says so: CLI11 would complain of them before it does of options.
-std::string HelpFor(const CLI::App& root, const Command& command) {
-  CLI::App* app = root.get_subcommand(command.name);
-  for (const Operand& operand : command.operands) {
-    if (operand.name != nullptr) app->get_option(operand.name)->required();
-  }
-  return app->help("r2r");
 }
 
 // What no option or operand took. An option that does not exist leaves its value behind as well, so the
@@ -136,9 +86,13 @@ Outcome CheckExtras(const std::vector<std::string>& extras, const Command* comma
       return Usage(word, "there is no such option (see r2r" + name + " --help)");
     }
   }
-  if (extras.empty()) return Done();
-  if (command == nullptr) return Usage(extras[0], "there is no such command (see r2r --help)");
-  return Usage(extras[0], std::string("one operand too many (give ") + command->form + ")");
+  return extras.empty() ? Done() : Usage(extras[0], "there is no such command (see r2r --help)");
+}
+
+Outcome CheckOperands(const Command& command, const std::vector<std::string>& operands) {
+  const std::string form = std::string(" (give ") + command.forms[0] + ")";
+  if (operands.size() < command.least) return Usage(command.name, "there is no operand" + form);
+  return operands.size() <= command.most ? Done() : Usage(operands[command.most], "one operand too many" + form);
 }
 
 Outcome CheckRequest(const CLI::App& root, const Command* command, const Arguments& arguments) {
@@ -146,11 +100,7 @@ Outcome CheckRequest(const CLI::App& root, const Command* command, const Argumen
   if (command == nullptr) {
     return Usage("", "there is no command (give r2r convert INPUT OUTPUT, or r2r --help)");
   }
-  for (const Operand& operand : command->operands) {
-    if (operand.name == nullptr || !(arguments.*operand.target).empty()) continue;
-    return Usage(operand.name, std::string("it is missing (give ") + command->form + ")");
-  }
-  return Done();
+  return CheckOperands(*command, arguments.operands);
 }
 
 // Fills in what the preset says and the command line does not. What was given rules over the preset, and so
@@ -199,12 +149,12 @@ Outcome ParseCommandLine(int count, const char* const* words, Request* request) 
   root.set_help_flag("--help", "print this help; r2r convert --help lists the options");
   root.allow_extras();
   root.footer(Examples());
-  for (const Command& command : kCommands) AddCommand(root, command, &request->arguments);
+  for (const Command& command : Commands()) AddCommand(root, command, &request->arguments);
   try {
     root.parse(count, words);
   } catch (const CLI::CallForHelp&) {
     const Command* command = CommandOf(root);
-    request->text = command != nullptr ? HelpFor(root, *command) : root.help();
+    request->text = HelpText(root, command);
     return Done();
   } catch (const CLI::CallForVersion& version) {
     request->text = std::string(version.what()) + "\n";

@@ -1,4 +1,4 @@
-// `r2r convert`: one image from file to file.
+// `r2r convert`: one image from file to file, or many into a directory.
 #pragma once
 
 #include "app/option_table.h"

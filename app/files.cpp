@@ -6,11 +6,9 @@ namespace cvt::app {
 
 std::string SourceName(const std::string& path) { return path == "-" ? "standard input" : path; }
 
-std::string InputName(const Arguments& arguments) { return SourceName(arguments.input); }
+std::string InputName(const Files& files) { return SourceName(files.input); }
 
-std::string OutputName(const Arguments& arguments) {
-  return arguments.output == "-" ? "standard output" : arguments.output;
-}
+std::string OutputName(const Files& files) { return files.output == "-" ? "standard output" : files.output; }
 
 imageio::Format WishedFormat(const Arguments& arguments) {
   return arguments.format ? static_cast<imageio::Format>(*arguments.format) : imageio::Format::FromSuffix;
@@ -20,16 +18,17 @@ Outcome OpenSource(const Arguments& arguments, const std::string& path, pipeline
   imageio::ReadOptions options;
   if (arguments.background) options.background = *arguments.background;
   if (arguments.maxPixels) options.maxPixels = *arguments.maxPixels;
+  if (arguments.maxMemory) options.maxBufferBytes = *arguments.maxMemory << 20;
   return {imageio::OpenImage(path, options, source), SourceName(path)};
 }
 
-Outcome CreateSink(const Arguments& arguments, pipeline::RowSink* sink) {
+Outcome CreateSink(const Arguments& arguments, const Files& files, pipeline::RowSink* sink) {
   imageio::WriteOptions options;
   options.format = WishedFormat(arguments);
+  if (arguments.compress) options.compression = static_cast<imageio::Compression>(*arguments.compress);
   if (arguments.force) options.existing = imageio::Existing::Replace;
   options.temporary = RemoveWhenInterrupted;
-  const SignalsHeld held;  // between the creation of the file and the note of its name
-  return {imageio::CreateImage(arguments.output, options, sink), OutputName(arguments)};
+  return {imageio::CreateImage(files.output, options, sink), OutputName(files)};
 }
 
 }  // namespace cvt::app

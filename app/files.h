@@ -7,10 +7,15 @@
 
 namespace cvt::app {
 
+/// Of one conversion; "-" is standard input or output.
+struct Files {
+  std::string input, output;
+};
+
 /// How messages name an image that is read, the input and the output.
 std::string SourceName(const std::string& path);
-std::string InputName(const Arguments& arguments);
-std::string OutputName(const Arguments& arguments);
+std::string InputName(const Files& files);
+std::string OutputName(const Files& files);
 
 /// --format, Format::FromSuffix when it is not given.
 imageio::Format WishedFormat(const Arguments& arguments);
@@ -18,6 +23,6 @@ imageio::Format WishedFormat(const Arguments& arguments);
 /// Opens an image as the options say that images are read; "-" is standard input.
 Outcome OpenSource(const Arguments& arguments, const std::string& path, pipeline::RowSource* source);
 
-Outcome CreateSink(const Arguments& arguments, pipeline::RowSink* sink);
+Outcome CreateSink(const Arguments& arguments, const Files& files, pipeline::RowSink* sink);
 
 }  // namespace cvt::app

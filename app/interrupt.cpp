@@ -3,6 +3,8 @@
 #include <unistd.h>
 
 #include <atomic>
+#include <csignal>
+#include <cstring>
 #include <string_view>
 
 namespace cvt::app {
@@ -12,31 +14,54 @@ namespace {
 constexpr int kExitInterrupted = 130;
 constexpr int kEndingSignals[] = {SIGINT, SIGTERM, SIGHUP};
 
+enum class Slot : int { Free, Filling, Named };
+
+// The name is a copy: the handler may run while the thread that gave it is taking it back.
+struct FileToRemove {
+  std::atomic<Slot> state{Slot::Free};
+  char name[4096] = {};
+};
+static_assert(std::atomic<Slot>::is_always_lock_free);
+
 // The one variable that outlives a call: a signal handler is handed nothing and can look nowhere else.
-std::atomic<const char*> fileToRemove{nullptr};
-static_assert(std::atomic<const char*>::is_always_lock_free);
+// As many as there can be workers.
+FileToRemove filesToRemove[256];
 
 // Calls only what is safe in the midst of anything.
 extern "C" void EndInterrupted(int) {
-  const char* name = fileToRemove.load();
-  if (name != nullptr) ::unlink(name);
-  constexpr std::string_view kWords = "r2r: interrupted (run it again for the whole image)\n";
+  for (const FileToRemove& file : filesToRemove) {
+    if (file.state.load() == Slot::Named) ::unlink(file.name);
+  }
+  constexpr std::string_view kWords = "r2r: interrupted (run it again for what is missing)\n";
   static_cast<void>(!::write(STDERR_FILENO, kWords.data(), kWords.size()));
   ::_exit(kExitInterrupted);
 }
 
-sigset_t EndingSignals() {
-  sigset_t set;
-  sigemptyset(&set);
-  for (const int signal : kEndingSignals) sigaddset(&set, signal);
-  return set;
+void Add(const char* name) {
+  if (std::strlen(name) >= sizeof(FileToRemove::name)) return;  // no system takes such a name
+  for (FileToRemove& file : filesToRemove) {
+    Slot free = Slot::Free;
+    if (!file.state.compare_exchange_strong(free, Slot::Filling)) continue;
+    std::strcpy(file.name, name);
+    file.state.store(Slot::Named);
+    return;
+  }
+}
+
+void Remove(const char* name) {
+  for (FileToRemove& file : filesToRemove) {
+    if (file.state.load() != Slot::Named || std::strcmp(file.name, name) != 0) continue;
+    file.state.store(Slot::Free);
+    return;
+  }
 }
 
 }  // namespace
 
 void HandleSignals() {
   struct sigaction action {};
-  action.sa_mask = EndingSignals();
+  sigemptyset(&action.sa_mask);
+  for (const int signal : kEndingSignals) sigaddset(&action.sa_mask, signal);
   action.sa_handler = EndInterrupted;
   for (const int signal : kEndingSignals) {
     struct sigaction before {};
@@ -47,13 +72,6 @@ void HandleSignals() {
   std::signal(SIGXFSZ, SIG_IGN);
 }
 
-void RemoveWhenInterrupted(const char* name) { fileToRemove.store(name); }
-
-SignalsHeld::SignalsHeld() {
-  const sigset_t held = EndingSignals();
-  ::sigprocmask(SIG_BLOCK, &held, &before);
-}
-
-SignalsHeld::~SignalsHeld() { ::sigprocmask(SIG_SETMASK, &before, nullptr); }
+void RemoveWhenInterrupted(const char* name, bool exists) { exists ? Add(name) : Remove(name); }
 
 }  // namespace cvt::app

@@ -33,7 +33,7 @@ std::string ListChoice(std::string_view option) {
 
 std::string ListMethods() { return ListChoice("--halftone") + ListChoice("--reduce") + ListChoice("--enlarge"); }
 
-std::string ListFormats() { return ListChoice("--format"); }
+std::string ListFormats() { return ListChoice("--format") + ListChoice("--compress"); }
 
 std::string ListMatrices() {
   std::string text = "--matrix\n";
@@ -88,10 +88,11 @@ Outcome Print(const std::string& text) {
 }
 
 Outcome RunList(const Arguments& arguments) {
+  const std::string& wanted = arguments.operands[0];
   for (const Topic& topic : kTopics) {
-    if (topic.name == arguments.topic) return Print(topic.list());
+    if (topic.name == wanted) return Print(topic.list());
   }
-  return Usage(arguments.topic, "there is no such list (give methods, matrices, palettes, formats or presets)");
+  return Usage(wanted, "there is no such list (give methods, matrices, palettes, formats or presets)");
 }
 
 }  // namespace cvt::app

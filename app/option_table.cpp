@@ -4,6 +4,7 @@
 
 namespace cvt::app {
 
+using imageio::Compression;
 using imageio::Format;
 using pipeline::Enlarge;
 using pipeline::Halftone;
@@ -13,6 +14,9 @@ using pipeline::Reduce;
 namespace {
 
 constexpr std::int64_t kMostPixels = 1000000000000;
+constexpr std::int64_t kMostJobs = 256;
+constexpr std::int64_t kMostPages = 65535;
+constexpr std::int64_t kMostMebibytes = 1 << 20;
 constexpr const char* kColorForm = "black, white, #rgb or #rrggbb";
 
 template <class Enum>
@@ -32,10 +36,17 @@ constexpr Word kHalftones[] = {
 constexpr Word kLayouts[] = {Named("packed", Layout::Packed, "the bits of a pixel side by side"),
                              Named("planes", Layout::Planes, "a plane for each bit")};
 constexpr Word kFormats[] = {Named("png", Format::Png, "indexed, gray and direct colour"),
+                             Named("tiff", Format::Tiff, "the same in strips; one bit as fax machines write it"),
                              Named("pbm", Format::Pbm, "black and white, binary"),
                              Named("pgm", Format::Pgm, "grays, binary"),
                              Named("ppm", Format::Ppm, "direct colour, binary"),
-                             Named("raw", Format::Raw, "rows of pixels or planes, no header")};
+                             Named("pam", Format::Pam, "black and white, grays or direct colour, binary"),
+                             Named("raw", Format::Raw, "rows of pixels or planes, no header"),
+                             Named("c", Format::C, "the same rows as an array in a C source")};
+constexpr Word kCompressions[] = {Named("none", Compression::None, "as it is"),
+                                  Named("lzw", Compression::Lzw, "read by everything"),
+                                  Named("deflate", Compression::Deflate, "smaller"),
+                                  Named("g4", Compression::G4, "of fax machines: one bit only")};
 
 const OptionRow kConvertOptions[] = {
     {"Geometry", "--crop", "WxH+X+Y", "cut out a rectangle before anything else",
@@ -76,17 +87,42 @@ const OptionRow kConvertOptions[] = {
      "pixels of --overlay that are left out; what the file itself has transparent lies on --background",
      Form<PixelWish>{&Arguments::transparent, ParsePixel,
                      "an index from 0 to 255, black, white, #rgb or #rrggbb"}},
-    {"Output", "--format", "", "default: by suffix; raw is the rows one after another, without a header",
+    {"Output", "--format", "",
+     "default: by suffix, with --out-dir that of the input; raw is the rows one after another, c an array of them",
      Choice{&Arguments::format, kFormats}},
     {"Output", "--layout", "", "how the last band and the rows of raw are laid out; default packed",
      Choice{&Arguments::layout, kLayouts}},
-    {"Output", "--force", "", "replace the output if it exists", Switch{&Arguments::force}},
+    {"Output", "--compress", "", "of TIFF; default g4 for black and white, else lzw",
+     Choice{&Arguments::compress, kCompressions}},
+    {"Output", "--force", "", "replace outputs that exist; they are refused otherwise", Switch{&Arguments::force}},
+    {"Output", "--skip-existing", "", "leave outputs that exist as they are, and go on",
+     Switch{&Arguments::skipExisting}},
+    {"Output", "--out-dir", "DIR", "convert every INPUT into this directory, which is made if it is missing",
+     Text{&Arguments::outDir}},
     {"Running", "--preset", "NAME", "a bundle of options of r2r list presets; options that are given win over it",
      Text{&Arguments::preset}},
     {"Running", "--explain", "", "print the chain of conversions, then convert", Switch{&Arguments::explain}},
+    {"Running", "-j", "N", "with --out-dir: convert N images at a time; default 1",
+     Number{&Arguments::jobs, 1, kMostJobs}},
+    {"Running", "--files-from", "FILE",
+     "with --out-dir: read names of inputs from FILE, one a line; - is standard input",
+     Text{&Arguments::filesFrom}},
+    {"Running", "-0", "", "the names of --files-from end in zero bytes, not in line ends",
+     Switch{&Arguments::nulBetween}},
+    {"Running", "--shard", "I/N", "with --out-dir: convert every Nth input only, from the Ith on",
+     Form<Shard>{&Arguments::shard, ParseShard, "I/N, I from 1 to N"}},
+    {"Running", "--report", "FILE",
+     "write one JSON object a line and image: input, output, status, message, width, height, milliseconds, crc32",
+     Text{&Arguments::report}},
+    {"Running", "--page", "N", "of a file of several pages; needed where there are several",
+     Number{&Arguments::page, 1, kMostPages}},
     {"Running", "--max-pixels", "N", "refuse larger inputs; default 2147483647",
      Number{&Arguments::maxPixels, 1, kMostPixels}},
-    {"Running", "-q", "", "no progress", Switch{&Arguments::quiet}}};
+    {"Running", "--max-memory", "MIB",
+     "for images that must be held whole or in large parts (interlaced, progressive, tiled); default 256",
+     Number{&Arguments::maxMemory, 1, kMostMebibytes}},
+    {"Running", "-q", "", "no progress", Switch{&Arguments::quiet}},
+    {"Running", "-v", "", "tell what was made of each image", Switch{&Arguments::verbose}}};
 
 }  // namespace
 

@@ -6,23 +6,26 @@
 #include <span>
 #include <string>
 #include <variant>
+#include <vector>
 
 #include "app/words.h"
 
 namespace cvt::app {
 
-/// What the user asked for. An option that was not given is empty or false, an operand empty.
+/// What the user asked for. An option that was not given is empty or false.
 struct Arguments {
-  std::string input, output, topic;
+  std::vector<std::string> operands;
   std::optional<pipeline::Crop> crop;
   std::optional<SizeWish> size;
-  std::optional<std::int64_t> depth, threshold, maxPixels;
-  std::optional<std::int64_t> reduce, enlarge, halftone, layout, format;  // Word::value
+  std::optional<std::int64_t> depth, threshold, maxPixels, maxMemory, page, jobs;
+  std::optional<std::int64_t> reduce, enlarge, halftone, layout, format, compress;  // Word::value
   std::optional<double> gamma;
   std::optional<IRGB> keepColor, background;
   std::optional<PixelWish> transparent;
-  std::optional<std::string> palette, matrix, preset, overlay;
-  bool invert = false, force = false, explain = false, quiet = false;
+  std::optional<Shard> shard;
+  std::optional<std::string> palette, matrix, preset, overlay, outDir, filesFrom, report;
+  bool invert = false, force = false, skipExisting = false, explain = false, nulBetween = false;
+  bool quiet = false, verbose = false;
 };
 
 /// One of the words that an option takes.
@@ -59,7 +62,7 @@ struct OptionRow {
   const char* value;  // how the help names the value; empty for switches and choices
   const char* help;
   std::variant<Switch, Number, Text, Choice, Form<std::int64_t>, Form<double>, Form<IRGB>, Form<PixelWish>,
-               Form<SizeWish>, Form<pipeline::Crop>>
+               Form<SizeWish>, Form<pipeline::Crop>, Form<Shard>>
       kind;
 };
 

@@ -106,7 +106,9 @@ void JoinTransparent(Overlay* overlay) {
 
 Outcome Read(const Arguments& arguments, const Place& place, Extent output, Overlay* overlay) {
   RowSource source;
-  if (Outcome failed = OpenSource(arguments, place.file, &source); Failed(failed)) return failed;
+  Arguments plain = arguments;
+  plain.page.reset();  // that is for the image
+  if (Outcome failed = OpenSource(plain, place.file, &source); Failed(failed)) return failed;
   *overlay = {source.image, {}, place.x, place.y};
   if (Outcome failed = CheckFits(*overlay, output); Failed(failed)) return failed;
   if (arguments.transparent) {
@@ -120,13 +122,13 @@ Outcome Read(const Arguments& arguments, const Place& place, Extent output, Over
 
 }  // namespace
 
-Outcome ReadOverlay(const Arguments& arguments, Extent output, Overlay* overlay) {
+Outcome ReadOverlay(const Arguments& arguments, const Files& files, Extent output, Overlay* overlay) {
   if (!arguments.overlay && arguments.transparent) {
     return Usage("--transparent", "it belongs to --overlay (give that too, or leave it out)");
   }
   if (!arguments.overlay) return Done();
   const Place place = PlaceOf(*arguments.overlay);
-  if (place.file == "-" && arguments.input == "-") {
+  if (place.file == "-" && files.input == "-") {
     return Usage("--overlay", "standard input is the image already (give a file)");
   }
   return Read(arguments, place, output, overlay);

@@ -13,17 +13,25 @@ Progress StartProgress(bool quiet) {
   return progress;
 }
 
-void ShowProgress(std::int32_t row, Progress* progress) {
+void ShowPercent(std::int32_t done, Progress* progress) {
   if (!progress->wanted) return;
-  const auto percent = static_cast<std::int32_t>(std::int64_t{row} * 100 / progress->rows);
+  const auto percent = static_cast<std::int32_t>(std::int64_t{done} * 100 / progress->whole);
   if (percent == progress->percent) return;
-  if (std::chrono::steady_clock::now() - progress->start < std::chrono::seconds(1)) return;
   progress->percent = percent;
-  std::fprintf(stderr, "\r%3d%%", percent);
+  ShowLine(std::to_string(percent) + "%", progress);
+}
+
+void ShowLine(const std::string& line, Progress* progress) {
+  if (!progress->wanted) return;
+  if (std::chrono::steady_clock::now() - progress->start < std::chrono::seconds(1)) return;
+  EraseProgress(*progress);
+  progress->shown = line.size();
+  std::fprintf(stderr, "%s", line.c_str());
+  std::fflush(stderr);
 }
 
 void EraseProgress(const Progress& progress) {
-  if (progress.percent >= 0) std::fprintf(stderr, "\r    \r");
+  if (progress.shown > 0) std::fprintf(stderr, "\r%*s\r", static_cast<int>(progress.shown), "");
 }
 
 }  // namespace cvt::app

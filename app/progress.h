@@ -3,18 +3,24 @@
 
 #include <chrono>
 #include <cstdint>
+#include <string>
 
 namespace cvt::app {
 
 struct Progress {
-  std::int32_t rows = 1;
+  std::int32_t whole = 1;
   std::int32_t percent = -1;  // that the line shows; -1: no line yet
+  std::size_t shown = 0;      // characters on the line
   bool wanted = false;
   std::chrono::steady_clock::time_point start;
 };
 
 Progress StartProgress(bool quiet);
-void ShowProgress(std::int32_t row, Progress* progress);
+
+/// Shows the percentage that `done` is of the whole, if it is another than before.
+void ShowPercent(std::int32_t done, Progress* progress);
+
+void ShowLine(const std::string& line, Progress* progress);
 void EraseProgress(const Progress& progress);
 
 }  // namespace cvt::app

@@ -19,8 +19,8 @@ int ExitStatus(pipeline::Code code) {
       return 4;
     case pipeline::Code::Output:
       return 5;
-    case pipeline::Code::Interrupted:
-      return 130;
+    case pipeline::Code::Partial:
+      break;
   }
   return 1;
 }
@@ -33,11 +33,12 @@ std::string OneLine(std::string text) {
   return text;
 }
 
+std::string LineOf(const Outcome& outcome) {
+  return OneLine((outcome.subject.empty() ? "" : outcome.subject + ": ") + outcome.status.message);
+}
+
 int Report(const Outcome& outcome) {
-  if (Failed(outcome)) {
-    const std::string subject = outcome.subject.empty() ? "" : outcome.subject + ": ";
-    std::fprintf(stderr, "r2r: %s\n", OneLine(subject + outcome.status.message).c_str());
-  }
+  if (Failed(outcome)) std::fprintf(stderr, "r2r: %s\n", LineOf(outcome).c_str());
   return ExitStatus(outcome.status.code);
 }
 

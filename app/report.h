@@ -20,6 +20,9 @@ inline Outcome Usage(std::string subject, std::string message) {
 }
 inline bool Failed(const Outcome& outcome) { return pipeline::Failed(outcome.status); }
 
+/// What the user reads of a failure.
+std::string LineOf(const Outcome& outcome);
+
 /// Prints one line on standard error if the work failed; answers the exit status.
 int Report(const Outcome& outcome);
 

@@ -100,6 +100,15 @@ std::optional<SizeWish> ParseSize(std::string_view word) {
   return whole ? std::optional(wish) : std::nullopt;
 }
 
+std::optional<Shard> ParseShard(std::string_view word) {
+  constexpr std::int64_t kMostShards = 1000000;
+  const std::size_t slash = word.find('/');
+  if (slash == std::string_view::npos) return std::nullopt;
+  const auto count = ParseWhole(word.substr(slash + 1), 1, kMostShards);
+  const auto index = count ? ParseWhole(word.substr(0, slash), 1, *count) : std::nullopt;
+  return index ? std::optional(Shard{*index, *count}) : std::nullopt;
+}
+
 Extent NewSize(const SizeWish& wish, Extent image) {
   if (wish.percent > 0) {
     return {Scaled(image.width, wish.percent, 100), Scaled(image.height, wish.percent, 100)};

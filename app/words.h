@@ -41,6 +41,14 @@ std::optional<pipeline::Crop> ParseCrop(std::string_view word);
 /// WxH, W, xH or N%
 std::optional<SizeWish> ParseSize(std::string_view word);
 
+/// --shard as given: the `index`th of `count` parts, from 1 up.
+struct Shard {
+  std::int64_t index = 1, count = 1;
+};
+
+/// I/N
+std::optional<Shard> ParseShard(std::string_view word);
+
 struct Extent {
   std::int32_t width, height;
 };

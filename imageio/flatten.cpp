@@ -24,26 +24,30 @@ bool IsKey(const Flatten& how, const std::uint8_t* pixel) {
   return true;
 }
 
-template <std::ptrdiff_t kBytes, std::ptrdiff_t kColors, bool kAlpha, std::ptrdiff_t kOutColors>
+enum class Alpha : std::uint8_t { None, Apart, Multiplied };
+
+template <std::ptrdiff_t kBytes, std::ptrdiff_t kColors, Alpha kAlpha, std::ptrdiff_t kOutColors>
 void FlattenPixels(const Flatten& how, const std::uint8_t* samples, std::uint8_t* row) {
   constexpr std::uint32_t kMost = kBytes == 1 ? 255 : 65535;
   const std::uint8_t under[3] = {how.background.red, how.background.green, how.background.blue};
   for (std::int32_t x = 0; x < how.width; ++x) {
     std::uint32_t alpha = kMost;
-    if constexpr (kAlpha) {
+    if constexpr (kAlpha != Alpha::None) {
       alpha = SampleAt<kBytes>(samples + kColors * kBytes);
     } else if (IsKey<kBytes, kColors>(how, samples)) {
       alpha = 0;
     }
     for (std::ptrdiff_t c = 0; c < kOutColors; ++c) {
       const std::ptrdiff_t from = kColors == 1 ? 0 : c;
-      *row++ = Over<kMost>(SampleAt<kBytes>(samples + from * kBytes), alpha, under[c]);
+      const std::uint32_t sample = SampleAt<kBytes>(samples + from * kBytes);
+      *row++ = kAlpha == Alpha::Multiplied ? OverMultiplied<kMost>(sample, alpha, under[c])
+                                           : Over<kMost>(sample, alpha, under[c]);
     }
-    samples += (kColors + (kAlpha ? 1 : 0)) * kBytes;
+    samples += (kColors + (kAlpha == Alpha::None ? 0 : 1)) * kBytes;
   }
 }
 
-template <std::ptrdiff_t kBytes, bool kAlpha>
+template <std::ptrdiff_t kBytes, Alpha kAlpha>
 FlattenRow ByColors(const PixelShape& shape, bool grayOut) {
   if (shape.colors == 3) return FlattenPixels<kBytes, 3, kAlpha, 3>;
   return grayOut ? FlattenPixels<kBytes, 1, kAlpha, 1> : FlattenPixels<kBytes, 1, kAlpha, 3>;
@@ -51,7 +55,9 @@ FlattenRow ByColors(const PixelShape& shape, bool grayOut) {
 
 template <std::ptrdiff_t kBytes>
 FlattenRow ByAlpha(const PixelShape& shape, bool grayOut) {
-  return shape.alpha ? ByColors<kBytes, true>(shape, grayOut) : ByColors<kBytes, false>(shape, grayOut);
+  if (!shape.alpha) return ByColors<kBytes, Alpha::None>(shape, grayOut);
+  return shape.multiplied ? ByColors<kBytes, Alpha::Multiplied>(shape, grayOut)
+                          : ByColors<kBytes, Alpha::Apart>(shape, grayOut);
 }
 
 }  // namespace

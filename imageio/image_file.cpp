@@ -2,17 +2,20 @@
 
 #include <algorithm>
 #include <cctype>
-#include <limits>
+#include <iterator>
 #include <memory>
 #include <utility>
 
+#include "imageio/c_file.h"
 #include "imageio/input_file.h"
+#include "imageio/jpeg_file.h"
 #include "imageio/limits.h"
 #include "imageio/output_file.h"
 #include "imageio/png_file.h"
 #include "imageio/pnm_file.h"
 #include "imageio/raw_file.h"
 #include "imageio/suffix.h"
+#include "imageio/tiff_file.h"
 
 namespace cvt::imageio {
 
@@ -28,22 +31,34 @@ struct Suffix {
   const char* text;
   Format format;
 };
-constexpr Suffix kSuffixes[] = {{".png", Format::Png}, {".pbm", Format::Pbm}, {".pgm", Format::Pgm},
-                                {".ppm", Format::Ppm}, {".pnm", Format::Pnm}, {".raw", Format::Raw}};
+constexpr Suffix kSuffixes[] = {{".png", Format::Png}, {".tif", Format::Tiff}, {".tiff", Format::Tiff},
+                                {".pbm", Format::Pbm}, {".pgm", Format::Pgm},  {".ppm", Format::Ppm},
+                                {".pnm", Format::Pnm}, {".pam", Format::Pam},  {".raw", Format::Raw},
+                                {".c", Format::C}};
 
 // What raw rows hold and files for people do not is refused here for all of them.
 pipeline::RowSink RefuseRawDepths(pipeline::RowSink sink) {
   sink.begin = [begin = std::move(sink.begin)](const pipeline::Image& image) {
     if (!pipeline::IsDirect(image.depth) || image.depth == pipeline::kDirectDepth) return begin(image);
-    return Fail(Code::Usage, std::to_string(image.depth) + " bits a pixel are for raw output only (choose 24)");
+    return Fail(Code::Usage,
+                std::to_string(image.depth) + " bits a pixel are for raw and C output only (choose 24)");
   };
   return sink;
 }
 
-pipeline::RowSink SinkFor(Format format, std::unique_ptr<OutputFile> file) {
+pipeline::RowSink SinkFor(Format format, Compression compression, const std::string& path,
+                          std::unique_ptr<OutputFile> file) {
   if (format == Format::Raw) return WriteRaw(std::move(file));
+  if (format == Format::C) return WriteC(std::move(file), path);
   if (format == Format::Png) return RefuseRawDepths(WritePng(std::move(file)));
+  if (format == Format::Tiff) return RefuseRawDepths(WriteTiff(std::move(file), compression));
   return RefuseRawDepths(WritePnm(std::move(file), format));
+}
+
+// The order of its bytes and 42, or 43 where offsets have 64 bits.
+bool IsTiff(std::string_view head) {
+  constexpr std::string_view kMarks[] = {{"II*\0", 4}, {"MM\0*", 4}, {"II+\0", 4}, {"MM\0+", 4}};
+  return std::find(std::begin(kMarks), std::end(kMarks), head) != std::end(kMarks);
 }
 
 }  // namespace
@@ -60,7 +75,11 @@ Status CheckSize(std::int64_t width, std::int64_t height, const ReadOptions& opt
     return Fail(Code::Limit, "the image is " + std::to_string(width) + " pixels wide, the limit is " +
                                  std::to_string(kMaxWidth) + " (cut it into narrower pieces)");
   }
-  if (height > std::numeric_limits<std::int32_t>::max() || width * height > options.maxPixels) {
+  if (height > kMaxHeight) {
+    return Fail(Code::Limit, "the image is " + std::to_string(height) + " pixels high, the limit is " +
+                                 std::to_string(kMaxHeight) + " (cut it into lower pieces)");
+  }
+  if (width * height > options.maxPixels) {
     return Fail(Code::Limit, "the image has " + std::to_string(width) + " x " + std::to_string(height) +
                                  " pixels, the limit is " + std::to_string(options.maxPixels) +
                                  " in all (raise it with --max-pixels)");
@@ -71,35 +90,51 @@ Status CheckSize(std::int64_t width, std::int64_t height, const ReadOptions& opt
 Status OpenImage(const std::string& path, const ReadOptions& options, pipeline::RowSource* source) {
   std::unique_ptr<InputFile> file;
   if (Status failed = OpenInput(path, &file); Failed(failed)) return failed;
-  const std::string_view head = Peek(*file, 2);
+  const std::string_view head = Peek(*file, 4);
   if (file->error != 0) return EndOfInput(*file, "");
   if (head.empty()) return Fail(Code::Input, "the file is empty (give an image)");
-  if (head == "\x89P") return OpenPng(std::move(file), options, source);
-  if (head.size() == 2 && head[0] == 'P' && head[1] >= '1' && head[1] <= '6') {
+  if (IsTiff(head)) return OpenTiff(std::move(file), options, source);
+  if (options.page > 1) return Fail(Code::Usage, "the file has 1 page (leave --page out)");
+  if (head.starts_with("\x89P")) return OpenPng(std::move(file), options, source);
+  if (head.starts_with("\xff\xd8")) return OpenJpeg(std::move(file), options, source);
+  if (head.size() >= 2 && head[0] == 'P' && head[1] >= '1' && head[1] <= '7') {
     return OpenPnm(std::move(file), options, source);
   }
-  return Fail(Code::Input, "this is no image of a known format (give a PNG, PBM, PGM or PPM)");
+  return Fail(Code::Input, "this is no image of a known format (give a PNG, JPEG, TIFF, PBM, PGM, PPM or PAM)");
+}
+
+const char* SuffixOf(Format format) {
+  const Suffix* found = std::find_if(std::begin(kSuffixes), std::end(kSuffixes),
+                                     [format](const Suffix& suffix) { return suffix.format == format; });
+  return found == std::end(kSuffixes) ? "" : found->text;
 }
 
 Status ChooseFormat(const std::string& path, Format wanted, Format* format) {
   *format = wanted;
+  if (wanted == Format::Tiff) return HaveTiff();
   if (wanted != Format::FromSuffix) return Ok();
-  if (path == "-") return Fail(Code::Usage, "no name tells its format (give --format png, pbm, pgm, ppm or raw)");
+  if (path == "-") {
+    return Fail(Code::Usage, "no name tells its format (give --format png, tiff, pbm, pgm, ppm, pam, raw or c)");
+  }
   for (const Suffix& suffix : kSuffixes) {
     if (!HasSuffix(path, suffix.text)) continue;
     *format = suffix.format;
-    return Ok();
+    return *format == Format::Tiff ? HaveTiff() : Ok();
   }
   return Fail(Code::Usage,
-              "the suffix tells no format (name it .png, .pbm, .pgm, .ppm, .pnm or .raw, or give --format)");
+              "the suffix tells no format (name it .png, .tif, .pbm, .pgm, .ppm, .pnm, .pam, .raw or .c, or give "
+              "--format)");
 }
 
 Status CreateImage(const std::string& path, const WriteOptions& options, pipeline::RowSink* sink) {
   Format format = Format::FromSuffix;
   if (Status failed = ChooseFormat(path, options.format, &format); Failed(failed)) return failed;
+  if (options.compression != Compression::Default && format != Format::Tiff) {
+    return Fail(Code::Usage, "only a TIFF has a choice of compressions (leave --compress out, or write a TIFF)");
+  }
   std::unique_ptr<OutputFile> file;
   if (Status failed = CreateOutput(path, options, &file); Failed(failed)) return failed;
-  *sink = SinkFor(format, std::move(file));
+  *sink = SinkFor(format, options.compression, path, std::move(file));
   return Ok();
 }
 

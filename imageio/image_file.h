@@ -17,20 +17,25 @@ namespace cvt::imageio {
 enum class Format : std::uint8_t { FromSuffix, Png, Tiff, Pbm, Pgm, Ppm, Pnm, Pam, Raw, C };
 enum class Compression : std::uint8_t { Default, None, Lzw, Deflate, G4 };  // of TIFF
 enum class Existing : std::uint8_t { Refuse, Replace };                     // an output file that is there already
+enum class Unfinished : std::uint8_t { Nameless, Named };                   // an output file until it is complete
 
 struct ReadOptions {
   IRGB background{255, 255, 255};                     // what transparent pixels lie on
   std::int64_t maxPixels = 2147483647;                // width times height
   std::int64_t maxBufferBytes = 256LL * 1024 * 1024;  // for images that cannot be read row by row
+  std::int32_t page = 0;                              // of a TIFF, from 1; 0: the only one
 };
 
 struct WriteOptions {
   Format format = Format::FromSuffix;
   Existing existing = Existing::Refuse;
-  // Told the name of the temporary file once it is there, and null when it is gone again: a program that
-  // is interrupted can remove it. The name lives until the null.
-  std::function<void(const char* name)> temporary;
+  // Told the name of a temporary file, true before it comes into being and false (the same pointer) when it is
+  // gone again: a program that is interrupted in between removes it, if it is there. No other file ever has
+  // that name. Outputs on several threads call it at the same time.
+  std::function<void(const char* name, bool exists)> temporary = {};
   Compression compression = Compression::Default;  // another one is refused for formats but TIFF
+  // Nameless where the system can: then `temporary` is told of the moment of a replacement only.
+  Unfinished unfinished = Unfinished::Nameless;
 };
 
 /// Opens an image; "-" is standard input. The first bytes tell the format. Gray and indexed images come at
@@ -50,6 +55,12 @@ pipeline::Status OpenImage(const std::string& path, const ReadOptions& options, 
 /// `sink->begin` answers Code::Usage for an image that the format cannot hold, all three of the sink
 /// Code::Output when writing fails.
 pipeline::Status CreateImage(const std::string& path, const WriteOptions& options, pipeline::RowSink* sink);
+
+/// Whether the format has room for rows of any depth and layout.
+constexpr bool TakesAnyRows(Format format) { return format == Format::Raw || format == Format::C; }
+
+/// The suffix by which files of a format are named, with its dot.
+const char* SuffixOf(Format format);
 
 /// The format that CreateImage would take: `wanted`, or by the suffix of `path`. Code::Usage as above.
 pipeline::Status ChooseFormat(const std::string& path, Format wanted, Format* format);

@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <random>
 #include <system_error>
 #include <utility>
 
@@ -46,31 +47,58 @@ bool Flush(OutputFile& file) {
   return done;
 }
 
+void Expect(OutputFile& file, std::string name) {
+  file.temporary = std::move(name);
+  if (file.onTemporary) file.onTemporary(file.temporary.c_str(), true);
+}
+
 void Forget(OutputFile& file) {
+  if (file.onTemporary) file.onTemporary(file.temporary.c_str(), false);
   file.temporary.clear();
-  if (file.onTemporary) file.onTemporary(nullptr);
 }
 
-std::string FolderAndDot(const std::string& path) {
+std::string FolderOf(const std::string& path) {
   const std::size_t slash = path.rfind('/');
-  return slash == std::string::npos ? "." : path.substr(0, slash + 1) + ".";
+  return slash == std::string::npos ? "./" : path.substr(0, slash + 1);
 }
 
-// The name starts with a dot, so that patterns like *.png never meet half a file.
-Status CreateTemporary(OutputFile& file) {
-  const std::string stem = FolderAndDot(file.target) + "r2r-" + std::to_string(::getpid()) + "-";
-  for (int attempt = 0;; ++attempt) {
-    const std::string name = stem + std::to_string(attempt) + ".part";
-    file.descriptor = ::open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, kNewFileMode);
-    if (file.descriptor < 0 && errno == EEXIST) continue;
-    if (file.descriptor < 0) {
-      return Fail(Code::Output, "nothing can be created in its directory: " + Reason(errno) +
-                                    " (check that the directory exists and is writable)");
-    }
-    file.temporary = name;
-    if (file.onTemporary) file.onTemporary(file.temporary.c_str());
-    return Ok();
+// The dot keeps patterns like *.png from meeting half a file. Random, for many threads, and machines with the
+// same process ids, may write to one directory.
+std::string TemporaryName(const OutputFile& file) {
+  std::random_device random;
+  return FolderOf(file.target) + ".r2r-" + std::to_string(random()) + "-" + std::to_string(random()) + ".part";
+}
+
+// How the program itself may name a file that has no name.
+std::string DescriptorPath(const OutputFile& file) { return "/proc/self/fd/" + std::to_string(file.descriptor); }
+
+// Whether there is a file now that can be given a name later.
+bool CreateNameless([[maybe_unused]] OutputFile& file) {
+#ifdef O_TMPFILE
+  file.descriptor = ::open(FolderOf(file.target).c_str(), O_RDWR | O_TMPFILE | O_CLOEXEC, kNewFileMode);
+  if (file.descriptor < 0) return false;
+  if (::access(DescriptorPath(file).c_str(), F_OK) == 0) return true;
+  ::close(std::exchange(file.descriptor, -1));
+#endif
+  return false;
+}
+
+Status CreateNamed(OutputFile& file) {
+  for (;;) {
+    Expect(file, TemporaryName(file));
+    file.descriptor = ::open(file.temporary.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, kNewFileMode);
+    if (file.descriptor >= 0) return Ok();
+    const int error = errno;
+    Forget(file);
+    if (error == EEXIST) continue;
+    return Fail(Code::Output, "nothing can be created in its directory: " + Reason(error) +
+                                  " (check that the directory exists and is writable)");
   }
+}
+
+Status CreateUnfinished(OutputFile& file, Unfinished unfinished) {
+  if (unfinished == Unfinished::Nameless && CreateNameless(file)) return Ok();
+  return CreateNamed(file);
 }
 
 Status OpenDirect(OutputFile& file, int descriptor) {
@@ -85,7 +113,8 @@ std::string Resolved(const std::string& path) {
   return real ? std::string(real.get()) : path;
 }
 
-Status CreateOverExisting(const std::string& path, const struct stat& about, OutputFile& file) {
+Status CreateOverExisting(const std::string& path, const struct stat& about, Unfinished unfinished,
+                          OutputFile& file) {
   if (S_ISDIR(about.st_mode)) return Fail(Code::Output, "this is a directory (name a file in it)");
   if (S_ISCHR(about.st_mode) || S_ISFIFO(about.st_mode)) {
     return OpenDirect(file, ::open(path.c_str(), O_WRONLY | O_CLOEXEC));
@@ -95,14 +124,14 @@ Status CreateOverExisting(const std::string& path, const struct stat& about, Out
   }
   if (file.existing == Existing::Refuse) return Exists();
   file.target = Resolved(path);
-  if (Status failed = CreateTemporary(file); Failed(failed)) return failed;
+  if (Status failed = CreateUnfinished(file, unfinished); Failed(failed)) return failed;
   if (S_ISREG(about.st_mode)) static_cast<void>(::fchmod(file.descriptor, about.st_mode & 0777));
   return Ok();
 }
 
 // rename() replaces what is there, link() refuses to: only link() keeps a file that came into being during
 // the conversion. File systems without links leave a short gap between the look and the rename.
-int GiveName(const OutputFile& file) {
+int Rename(const OutputFile& file) {
   const char* from = file.temporary.c_str();
   const char* to = file.target.c_str();
   if (file.existing == Existing::Refuse) {
@@ -112,6 +141,32 @@ int GiveName(const OutputFile& file) {
     if (::lstat(to, &about) == 0) return EEXIST;
   }
   return std::rename(from, to) == 0 ? 0 : errno;
+}
+
+int LinkNameless(const OutputFile& file, const std::string& name) {
+  const std::string from = DescriptorPath(file);
+  return ::linkat(AT_FDCWD, from.c_str(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW) == 0 ? 0 : errno;
+}
+
+// A nameless file that replaces another has a name for a moment: links refuse to replace.
+int NameNameless(OutputFile& file) {
+  int error = LinkNameless(file, file.target);
+  if (error != EEXIST || file.existing == Existing::Refuse) return error;
+  while (error == EEXIST) {
+    Expect(file, TemporaryName(file));
+    error = LinkNameless(file, file.temporary);
+    if (error != 0) Forget(file);
+  }
+  return error == 0 ? Rename(file) : error;
+}
+
+// What the system puts off, it does now or tells that it cannot: a name must not reach the disk before the
+// bytes. EINVAL: nothing was put off.
+bool Settle(OutputFile& file) {
+  const bool direct = file.target.empty();
+  const int failed = direct ? ::close(std::exchange(file.descriptor, -1)) : ::fsync(file.descriptor);
+  if (failed != 0 && errno != EINVAL) file.error = errno;
+  return file.error == 0;
 }
 
 }  // namespace
@@ -133,10 +188,10 @@ Status CreateOutput(const std::string& path, const WriteOptions& options, std::u
   if (path == "-") {
     status = OpenDirect(*created, ::fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 0));
   } else if (::stat(path.c_str(), &about) == 0 || ::lstat(path.c_str(), &about) == 0) {
-    status = CreateOverExisting(path, about, *created);
+    status = CreateOverExisting(path, about, options.unfinished, *created);
   } else {
     created->target = path;
-    status = CreateTemporary(*created);
+    status = CreateUnfinished(*created, options.unfinished);
   }
   if (!Failed(status)) *file = std::move(created);
   return status;
@@ -150,23 +205,25 @@ bool Write(OutputFile& file, const std::uint8_t* from, std::size_t bytes) {
   return true;
 }
 
+bool Write(OutputFile& file, std::string_view text) {
+  return Write(file, reinterpret_cast<const std::uint8_t*>(text.data()), text.size());
+}
+
 Status WriteFailure(const OutputFile& file) {
   return Fail(Code::Output,
               "writing failed: " + Reason(file.error) + " (make room, or choose another place for the output)");
 }
 
 Status Commit(OutputFile& file) {
-  const bool written = Flush(file);
-  if (::close(std::exchange(file.descriptor, -1)) != 0 && file.error == 0) file.error = errno;
-  if (!written || file.error != 0) return WriteFailure(file);
-  if (file.temporary.empty()) return Ok();
-  const int error = GiveName(file);
+  if (!Flush(file) || !Settle(file)) return WriteFailure(file);
+  if (file.target.empty()) return Ok();
+  const int error = file.temporary.empty() ? NameNameless(file) : Rename(file);
   if (error == EEXIST) return Exists();
   if (error != 0) {
     return Fail(Code::Output, "the finished file cannot take its name: " + Reason(error) +
                                   " (check the directory's permissions)");
   }
-  Forget(file);
+  if (!file.temporary.empty()) Forget(file);
   return Ok();
 }
 

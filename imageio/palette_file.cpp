@@ -7,6 +7,7 @@
 #include "imageio/input_file.h"
 #include "imageio/png_file.h"
 #include "imageio/suffix.h"
+#include "imageio/text.h"
 
 namespace cvt::imageio {
 
@@ -20,12 +21,6 @@ namespace {
 
 constexpr std::size_t kMaxColors = 256;
 constexpr std::size_t kMaxFileBytes = 1 << 20;  // far more than 256 lines need
-
-std::string_view Trimmed(std::string_view line) {
-  const std::size_t first = line.find_first_not_of(" \t\r");
-  if (first == std::string_view::npos) return {};
-  return line.substr(first, line.find_last_not_of(" \t\r") - first + 1);
-}
 
 std::string_view TakeLine(std::string_view* text) {
   const std::size_t end = text->find('\n');

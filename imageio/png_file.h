@@ -11,6 +11,9 @@
 
 namespace cvt::imageio {
 
+/// PNG counts pixels a metre.
+inline constexpr double kMetresAnInch = 0.0254;
+
 /// As OpenImage, for a file that starts like a PNG.
 pipeline::Status OpenPng(std::unique_ptr<InputFile> file, const ReadOptions& options, pipeline::RowSource* source);
 

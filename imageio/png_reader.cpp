@@ -69,6 +69,8 @@ bool ReadHeader(PngReader& reader) {
     png_set_crc_action(png, PNG_CRC_ERROR_QUIT, PNG_CRC_ERROR_QUIT);
     // Chunks that say nothing about the pixels are checked and dropped before anything is made of them.
     png_set_keep_unknown_chunks(png, PNG_HANDLE_CHUNK_NEVER, nullptr, -1);
+    constexpr png_byte kResolution[] = {'p', 'H', 'Y', 's', 0};
+    png_set_keep_unknown_chunks(png, PNG_HANDLE_CHUNK_AS_DEFAULT, kResolution, 1);
     png_read_info(png, reader.info);
   });
 }
@@ -80,7 +82,7 @@ Status CheckBuffer(const PngReader& reader) {
   return Fail(Code::Limit, "the PNG is interlaced and needs " + std::to_string((needed + kMiB - 1) / kMiB) +
                                " MiB of memory, the limit is " +
                                std::to_string(reader.options.maxBufferBytes / kMiB) +
-                               " MiB (save it without interlacing)");
+                               " MiB (raise it with --max-memory, or save the image without interlacing)");
 }
 
 IRGB OverBackground(const png_color& color, png_byte alpha, IRGB background) {
@@ -130,6 +132,14 @@ void TakeKey(PngReader& reader, int colorType) {
   reader.how.key[2] = key->blue;
 }
 
+void TakeResolution(PngReader& reader) {
+  png_uint_32 x = 0;
+  png_uint_32 y = 0;
+  int unit = PNG_RESOLUTION_UNKNOWN;
+  png_get_pHYs(reader.png, reader.info, &x, &y, &unit);
+  if (unit == PNG_RESOLUTION_METER) reader.image.resolution = {x * kMetresAnInch, y * kMetresAnInch};
+}
+
 void TakeSamples(PngReader& reader, int colorType, int bitDepth) {
   const bool gray = (colorType & PNG_COLOR_MASK_COLOR) == 0;
   const bool alpha = (colorType & PNG_COLOR_MASK_ALPHA) != 0;
@@ -144,6 +154,7 @@ Status TakeHeader(PngReader& reader) {
   const int bitDepth = png_get_bit_depth(reader.png, reader.info);
   reader.image = {static_cast<std::int32_t>(width), static_cast<std::int32_t>(height), bitDepth, {}};
   reader.storedBytes = png_get_rowbytes(reader.png, reader.info);
+  TakeResolution(reader);
   TakeKey(reader, colorType);
   if (colorType == PNG_COLOR_TYPE_PALETTE) {
     TakePalette(reader);

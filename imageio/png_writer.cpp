@@ -1,4 +1,5 @@
-// Writes PNG row by row: pixels, palette and nothing else, so that equal images make equal files.
+// Writes PNG row by row: pixels, palette, resolution and nothing else, so that equal images make equal files.
+#include <cmath>
 #include <string>
 #include <utility>
 #include <vector>
@@ -45,6 +46,12 @@ Status Broken(const PngWriter& writer) {
               std::string("the PNG cannot be written: ") + writer.words.text + " (try another format)");
 }
 
+// Pixels a metre; 0 where there are too few or too many to tell.
+png_uint_32 PerMetre(double perInch) {
+  const double perMetre = std::round(perInch / kMetresAnInch);
+  return perMetre >= 1 && perMetre <= PNG_UINT_31_MAX ? static_cast<png_uint_32>(perMetre) : 0;
+}
+
 bool WriteHeader(PngWriter& writer) {
   writer.png = png_create_write_struct(PNG_LIBPNG_VER_STRING, &writer.words, KeepPngError, DropPngWarning);
   if (writer.png == nullptr) return false;
@@ -56,7 +63,9 @@ bool WriteHeader(PngWriter& writer) {
   const int bits = direct ? 8 : pipeline::StoredBits(image.depth);
   const int gray = IsRamp(image, bits) ? PNG_COLOR_TYPE_GRAY : PNG_COLOR_TYPE_PALETTE;
   const int colorType = direct ? PNG_COLOR_TYPE_RGB : gray;
-  return PngSucceeds(png, [&writer, png, colorType, bits] {
+  const png_uint_32 x = PerMetre(image.resolution.x);
+  const png_uint_32 y = PerMetre(image.resolution.y);
+  return PngSucceeds(png, [&writer, png, colorType, bits, x, y] {
     png_set_write_fn(png, writer.file.get(), WriteBytes, FlushNothing);
     png_set_user_limits(png, PNG_UINT_31_MAX, PNG_UINT_31_MAX);
     png_set_IHDR(png, writer.info, static_cast<png_uint_32>(writer.image.width),
@@ -65,6 +74,7 @@ bool WriteHeader(PngWriter& writer) {
     if (colorType == PNG_COLOR_TYPE_PALETTE) {
       png_set_PLTE(png, writer.info, writer.palette.data(), static_cast<int>(writer.palette.size()));
     }
+    if (x != 0 && y != 0) png_set_pHYs(png, writer.info, x, y, PNG_RESOLUTION_METER);
     png_write_info(png, writer.info);
   });
 }

@@ -1,4 +1,4 @@
-// Writes binary PBM, PGM and PPM row by row.
+// Writes binary PBM, PGM, PPM and PAM row by row. The rows of a PAM are those of a PGM or PPM.
 #include <algorithm>
 #include <array>
 #include <string>
@@ -20,12 +20,14 @@ using pipeline::Status;
 
 namespace {
 
+constexpr std::int32_t kNone = 0;  // as the largest value: the header tells none
+
 struct PnmWriter {
   std::unique_ptr<OutputFile> file;
-  Format format = Format::Pnm;
+  Format format = Format::Pnm;  // as wished, then that of the rows: Pbm, Pgm or Ppm
   Image image;
   bool inkIsZero = false;                  // PBM: the bits are stored as their complement
-  std::array<std::uint8_t, 256> levels{};  // PGM: the gray of an index
+  std::array<std::uint8_t, 256> levels{};  // PGM: the sample of an index
   std::vector<std::uint8_t> indices;
   std::vector<std::uint8_t> row;
 };
@@ -46,10 +48,6 @@ Status CheckFits(Format format, const Image& image) {
   return Ok();
 }
 
-bool WriteText(OutputFile& file, const std::string& text) {
-  return Write(file, reinterpret_cast<const std::uint8_t*>(text.data()), text.size());
-}
-
 // A ramp is its own scale; other grays are levels of 0 to 255.
 std::int32_t ChooseLevels(PnmWriter& writer) {
   writer.levels = SameValues();
@@ -58,22 +56,46 @@ std::int32_t ChooseLevels(PnmWriter& writer) {
   return 255;
 }
 
+// A PAM has a byte for each bit, 1 for white.
+std::int32_t ChooseBits(PnmWriter& writer) {
+  for (std::size_t i = 0; i < 2; ++i) writer.levels[i] = writer.image.palette[i].red == 0 ? 0 : 1;
+  return 1;
+}
+
+std::string PnmHeaderText(const char* magic, const Image& image, std::int32_t largest) {
+  const std::string size = std::to_string(image.width) + " " + std::to_string(image.height) + "\n";
+  return magic + ("\n" + size) + (largest == kNone ? "" : std::to_string(largest) + "\n");
+}
+
+std::string PamHeaderText(const char* type, std::int32_t samples, const Image& image, std::int32_t largest) {
+  return "P7\nWIDTH " + std::to_string(image.width) + "\nHEIGHT " + std::to_string(image.height) + "\nDEPTH " +
+         std::to_string(samples) + "\nMAXVAL " + std::to_string(largest) + "\nTUPLTYPE " + type + "\nENDHDR\n";
+}
+
+std::string ChoosePam(PnmWriter& writer) {
+  const Format fits = SmallestThatFits(writer.image);
+  writer.format = fits == Format::Ppm ? Format::Ppm : Format::Pgm;
+  if (fits == Format::Ppm) return PamHeaderText("RGB", 3, writer.image, 255);
+  if (fits == Format::Pbm) return PamHeaderText("BLACKANDWHITE", 1, writer.image, ChooseBits(writer));
+  return PamHeaderText("GRAYSCALE", 1, writer.image, ChooseLevels(writer));
+}
+
+std::string ChoosePnm(PnmWriter& writer) {
+  if (writer.format == Format::Pgm) return PnmHeaderText("P5", writer.image, ChooseLevels(writer));
+  if (writer.format == Format::Ppm) return PnmHeaderText("P6", writer.image, 255);
+  writer.inkIsZero = writer.image.palette[0].red == 0;
+  return PnmHeaderText("P4", writer.image, kNone);
+}
+
 Status Begin(PnmWriter& writer, const Image& image) {
   writer.image = image;
   if (writer.format == Format::Pnm) writer.format = SmallestThatFits(image);
   if (Status failed = CheckFits(writer.format, image); Failed(failed)) return failed;
-  const std::string size = std::to_string(image.width) + " " + std::to_string(image.height) + "\n";
-  std::string header = "P6\n" + size + "255\n";
-  if (writer.format == Format::Pbm) {
-    writer.inkIsZero = image.palette[0].red == 0;
-    header = "P4\n" + size;
-  } else if (writer.format == Format::Pgm) {
-    header = "P5\n" + size + std::to_string(ChooseLevels(writer)) + "\n";
-  }
+  const std::string header = writer.format == Format::Pam ? ChoosePam(writer) : ChoosePnm(writer);
   const auto width = static_cast<std::size_t>(image.width);
   writer.indices.resize(width);
   writer.row.resize(writer.format == Format::Ppm ? width * 3 : std::max(width, pipeline::RowBytes(image)));
-  return WriteText(*writer.file, header) ? Ok() : WriteFailure(*writer.file);
+  return Write(*writer.file, header) ? Ok() : WriteFailure(*writer.file);
 }
 
 std::size_t MakeBits(PnmWriter& writer, const std::uint8_t* row) {

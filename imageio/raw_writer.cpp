@@ -7,7 +7,6 @@
 namespace cvt::imageio {
 
 using pipeline::Image;
-using pipeline::Layout;
 using pipeline::Ok;
 using pipeline::Status;
 
@@ -18,14 +17,6 @@ struct RawWriter {
   Image image;
   std::vector<std::uint8_t> row;
 };
-
-void ClearTails(const Image& image, std::uint8_t* row) {
-  if (image.layout == Layout::Packed) return ClearTail(image.width, pipeline::StoredBits(image.depth), row);
-  for (std::int32_t plane = 0; plane < image.depth; ++plane) {
-    ClearTail(image.width, 1, row);
-    row += pipeline::PlaneRowBytes(image.width);
-  }
-}
 
 Status WriteRow(RawWriter& writer, const std::uint8_t* row) {
   writer.row.assign(row, row + pipeline::RowBytes(writer.image));

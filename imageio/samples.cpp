@@ -61,6 +61,16 @@ void ClearTail(std::int32_t width, std::int32_t bits, std::uint8_t* row) {
   if (tail != 0) row[used / 8] = Low8(row[used / 8] & 0xff00U >> tail);
 }
 
+void ClearTails(const pipeline::Image& image, std::uint8_t* row) {
+  if (image.layout == pipeline::Layout::Packed) {
+    return ClearTail(image.width, pipeline::StoredBits(image.depth), row);
+  }
+  for (std::int32_t plane = 0; plane < image.depth; ++plane) {
+    ClearTail(image.width, 1, row);
+    row += pipeline::PlaneRowBytes(image.width);
+  }
+}
+
 std::array<std::uint8_t, 256> SameValues() {
   std::array<std::uint8_t, 256> table{};
   for (std::uint32_t i = 0; i < 256; ++i) table[i] = Low8(i);

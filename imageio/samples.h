@@ -4,6 +4,8 @@
 #include <array>
 #include <cstdint>
 
+#include "pipeline/image.h"
+
 namespace cvt::imageio {
 
 /// One byte a pixel from pixels of 1, 2, 4 or 8 bits, each looked up in `table`.
@@ -15,6 +17,9 @@ void PackRow(const std::uint8_t* pixels, std::int32_t width, std::int32_t bits, 
 
 /// Clears the bits past the last pixel, so that equal pixels make equal files.
 void ClearTail(std::int32_t width, std::int32_t bits, std::uint8_t* row);
+
+/// Clears all bits of a row of `image` that are no pixels: behind the last one, or the last one of each plane.
+void ClearTails(const pipeline::Image& image, std::uint8_t* row);
 
 /// The table that leaves every value as it is.
 std::array<std::uint8_t, 256> SameValues();

@@ -7,7 +7,7 @@
 
 namespace cvt::pipeline {
 
-enum class Code : std::uint8_t { Ok, Usage, Input, Limit, Output, Interrupted };
+enum class Code : std::uint8_t { Ok, Usage, Input, Limit, Output, Partial };  // Partial: some of several images
 
 /// `message` says what is wrong and, in brackets, what to do about it; it names no file.
 struct [[nodiscard]] Status {

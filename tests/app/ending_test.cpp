@@ -51,19 +51,22 @@ TEST(Ending, AReaderThatLeavesIsAWriteError) {
   EXPECT_EQ(ended.status, 5) << ended.err;
 }
 
-// The input stays open without ending, so the command waits for more when the signal comes.
-TEST(Ending, AnInterruptedConversionLeavesNothing) {
-  for (const char* signal : {"INT", "TERM", "HUP"}) {
+// The input stays open without ending, so the command waits for more when the signal comes: as soon as it has
+// its unfinished file, a nameless one where the system has such files. Nothing can clean up after SIGKILL.
+TEST(Ending, AKilledConversionLeavesNothing) {
+  for (const char* signal : {"INT", "TERM", "HUP", "KILL"}) {
     const Workplace place;
     place.Write("in", Noise().substr(0, 5000));
     // In the foreground, for a shell makes its background jobs deaf to SIGINT.
     const Ended ended = place.Shell(
         "mkfifo pipe; exec 3<>pipe; cat in >&3\n"
-        "{ while [ -z \"$(ls -A | grep part)\" ]; do sleep 0.01; done; kill -" +
+        "{ until ls -l /proc/$(cat ../job)/fd 2>&1 | grep -q 'deleted\\|part'; do sleep 0.01; done; kill -" +
         std::string(signal) +
         " $(cat ../job); } &\n"
         "R2R=$R2R sh -c 'echo $$ >../job; exec \"$R2R\" convert - o.pgm <pipe'; status=$?; wait; (exit $status)");
-    EXPECT_EQ(ended.status, 130) << signal << ": " << ended.err;
+    const bool killed = signal == std::string("KILL");
+    EXPECT_EQ(ended.status, killed ? 137 : 130) << signal << ": " << ended.err;
+    if (killed && place.Names().front().ends_with(".part")) GTEST_SKIP() << "no nameless files here";
     EXPECT_EQ(place.Names(), (Names{"in", "pipe"})) << signal;
   }
 }

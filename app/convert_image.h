@@ -1,0 +1,32 @@
+// One image from file to file, as the options say.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "app/choose.h"
+#include "app/files.h"
+#include "app/option_table.h"
+#include "app/report.h"
+#include "imageio/image_file.h"
+
+namespace cvt::app {
+
+/// What became of an image.
+struct Made {
+  std::int32_t fromWidth = 0, fromHeight = 0;
+  std::int32_t width = 0, height = 0, depth = 0;
+  std::uint32_t crc = 0;  // CRC-32 of the rows, as raw output has them
+};
+
+enum class Messages : std::uint8_t { Quiet, Progress };
+
+/// Opens the image and settles what becomes of it when it is written as `format`.
+Outcome OpenConversion(const Arguments& arguments, const Wishes& wishes, const Files& files,
+                       imageio::Format format, pipeline::RowSource* source, Chosen* chosen);
+
+/// Converts one image; `made` is complete when that went well.
+Outcome ConvertImage(const Arguments& arguments, const Wishes& wishes, const Files& files, Messages messages,
+                     Made* made);
+
+}  // namespace cvt::app
