@@ -69,16 +69,6 @@ TEST(Cursor, AgreesWithTheTwinAtEveryDepth) {
     }
 }
 
-TEST(Cursor, IsNullWhenTheHeapIsExhausted) {
-  Script script;
-  script.failAllocAt = 1;
-  World world(script, 1, {});
-  tagRasterPacked* band = world.MakeBand({false, 0, 0, 4, 1, 8, {}});
-  EXPECT_EQ(CvtOpenPackedPixel(band), nullptr);
-  world.script.failAllocAt = 2;
-  EXPECT_EQ(CvtOpenPlanePixel(reinterpret_cast<tagRasterPlane*>(band)), nullptr);
-}
-
 TEST(Cursor, IsClosedByEitherName) {
   World world({}, 1, {});
   tagRasterPacked* band = world.MakeBand({false, 0, 0, 4, 1, 8, {}});

@@ -34,6 +34,7 @@ Script RandomScript(Dice& dice) {
   Script s;
   s.runs = dice.Of({Runs::PerPixel, Runs::Merged, Runs::Merged, Runs::WithEmpty, Runs::OneShort});
   if (dice.OneIn(6)) s.failAllocAt = dice.Between(1, 14);
+  if (dice.OneIn(20)) s.failDupAt = dice.Between(1, 2);
   if (dice.OneIn(8)) s.stopAt = dice.Between(1, 20);
   s.stopAnswer = dice.Of<std::int16_t>({1, -1, 256, -32768});
   if (dice.OneIn(8)) s.convertFailsAt = dice.Between(1, 6);
@@ -95,6 +96,15 @@ int Rounds(int ordinaryNumber) { return ordinaryNumber * static_cast<int>(Variab
 Dice::Dice(std::uint32_t number) {
   std::seed_seq seeds{Seed(), number};
   engine_.seed(seeds);
+}
+
+std::uint32_t Dice::Taken(std::uint32_t choices) {
+  std::uint32_t number = 0;
+  for (std::uint32_t reach = 1; reach < choices && !bytes_.empty(); reach *= 256) {
+    number = number * 256 + bytes_.front();
+    bytes_ = bytes_.subspan(1);
+  }
+  return number;
 }
 
 std::size_t PixelBytes(bool planes, std::uint16_t width, std::uint16_t lines, std::uint16_t depth) {
@@ -164,6 +174,7 @@ std::string Describe(const Case& c) {
   add("capacity", c.capacity);
   add("runs", static_cast<int>(c.script.runs));
   add("failAllocAt", c.script.failAllocAt);
+  add("failDupAt", c.script.failDupAt);
   add("stopAt", c.script.stopAt);
   add("convertFailsAt", c.script.convertFailsAt);
   add("replacesBand", c.script.replacesBand);

@@ -28,14 +28,6 @@ CvtStatus WithSettings(tagRasterPacked** band, tagIGFD* source, tagIGFD* destina
   return due(band, source, destination, context);
 }
 
-template <CvtStatus (*kRoutine)(tagRasterPlane**, tagIGFD*, tagIGFD*, tagCRLA*)>
-CvtStatus OnPlanes(tagRasterPacked** band, tagIGFD* source, tagIGFD* destination, tagCRLA* context) {
-  auto* planes = reinterpret_cast<tagRasterPlane*>(*band);
-  const CvtStatus status = kRoutine(&planes, source, destination, context);
-  *band = reinterpret_cast<tagRasterPacked*>(planes);
-  return status;
-}
-
 template <auto kTwin, auto... kFirst>
 CvtStatus Twin(tagRasterPacked** band, tagIGFD* source, tagIGFD* destination, tagCRLA* context) {
   return kTwin(kFirst..., band, source, destination, context);
@@ -104,10 +96,14 @@ constexpr Sibling kBitByte = {true, false}, kByteBit = {false, true}, kBitBit = 
 
 }  // namespace
 
-Outcome RunColorCase(const ColorCase& what, BandRoutine routine, CvtConvertProc convert) {
+BandRoutine WithTables(const ColorCase& what, BandRoutine routine) {
   running = &what;
   due = routine;
-  return RunCase(what.base, WithSettings, convert);
+  return WithSettings;
+}
+
+Outcome RunColorCase(const ColorCase& what, BandRoutine routine, CvtConvertProc convert) {
+  return RunCase(what.base, WithTables(what, routine), convert);
 }
 
 ColorCase RandomColorCase(Dice& dice, Family family, Sibling which) {
@@ -146,11 +142,23 @@ ColorCase RandomColorCase(Dice& dice, Family family, Sibling which) {
   what.colorAdjust2 = dice.OneIn(6) ? 1 : 0;
   what.diffusionFlags = dice.Of<std::uint16_t>({0, 0, 0, 0x7FFF, 0x8000});
   AddTables(dice, what, family);
-  if (dice.OneIn(10)) base.script.failDupAt = dice.Between(1, 2);
   base.errorRow.resize(std::max(base.errorRow.size(), std::size_t{base.bands[0].width} * 3 + 1));
   const int spread = dice.Of({0, 100, 3000, 32767});
   for (std::int16_t& e : base.errorRow) e = static_cast<std::int16_t>(dice.Between(-spread, spread));
   return what;
+}
+
+void StoreAsRead(Dice& dice, const ColorMember& member, ColorCase& what) {
+  const BandRoutine r = member.library;
+  const int depth = r == CvtShortCutDiffusionByte   ? dice.Between(5, 8)
+                    : r == CvtShortCutDiffusionWord ? dice.Between(9, 16)
+                    : r == CvtShortCutDiffusionLong ? dice.Between(17, 32)
+                                                    : 0;
+  if (depth == 0) return;
+  for (BandPlan& band : what.base.bands) {
+    band.depth = static_cast<std::uint16_t>(depth);
+    band.pixels.resize(PixelBytes(false, band.width, band.lineCount, band.depth), 0x6D);
+  }
 }
 
 const std::vector<ColorMember> kColorMembers = {

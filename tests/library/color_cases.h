@@ -15,6 +15,8 @@ struct ColorCase {
   std::uint16_t colorAdjust1 = 0, colorAdjust2 = 0, diffusionFlags = 0;
 };
 
+/// The routine, with the case's tables put into the context before the first band. One case runs at a time.
+BandRoutine WithTables(const ColorCase& what, BandRoutine routine);
 Outcome RunColorCase(const ColorCase& what, BandRoutine routine, CvtConvertProc convert = ScriptedConvert);
 
 /// What random cases have to heed.
@@ -28,5 +30,8 @@ struct ColorMember {
   BandRoutine library, twin;
 };
 extern const std::vector<ColorMember> kColorMembers;
+
+/// Called directly, each of the short-cut's routines wants bands that are stored as it reads them.
+void StoreAsRead(Dice& dice, const ColorMember& member, ColorCase& what);
 
 }  // namespace cvt::test

@@ -14,20 +14,6 @@ void Compare(const ColorCase& what, const Outcome& library, const Outcome& twin,
       << "case " << number << " of seed " << Seed() << ": " << Describe(what.base);
 }
 
-// Called directly, each of the short-cut's routines wants bands that are stored as it reads them.
-void StoreAsRead(Dice& dice, const ColorMember& member, ColorCase& what) {
-  const BandRoutine r = member.library;
-  const int depth = r == CvtShortCutDiffusionByte   ? dice.Between(5, 8)
-                    : r == CvtShortCutDiffusionWord ? dice.Between(9, 16)
-                    : r == CvtShortCutDiffusionLong ? dice.Between(17, 32)
-                                                    : 0;
-  if (depth == 0) return;
-  for (BandPlan& band : what.base.bands) {
-    band.depth = static_cast<std::uint16_t>(depth);
-    band.pixels.resize(PixelBytes(false, band.width, band.lineCount, band.depth), 0x6D);
-  }
-}
-
 TEST(ColorDifferential, EveryRoutineOnItsOwn) {
   for (const ColorMember& member : kColorMembers) {
     SCOPED_TRACE(member.name);
@@ -35,23 +21,6 @@ TEST(ColorDifferential, EveryRoutineOnItsOwn) {
       Dice dice(static_cast<std::uint32_t>(i));
       ColorCase what = RandomColorCase(dice, member.family, member.which);
       StoreAsRead(dice, member, what);
-      Compare(what, RunColorCase(what, member.library), RunColorCase(what, member.twin), i);
-    }
-  }
-}
-
-TEST(ColorDifferential, EveryRoutineWhereEverythingCanFail) {
-  for (const ColorMember& member : kColorMembers) {
-    SCOPED_TRACE(member.name);
-    for (int i = 0; i < 40 && !HasFatalFailure(); ++i) {
-      Dice dice(static_cast<std::uint32_t>(i % 4));
-      ColorCase what = RandomColorCase(dice, member.family, member.which);
-      StoreAsRead(dice, member, what);
-      Script& script = what.base.script;
-      script.failAllocAt = script.stopAt = script.convertFailsAt = script.failDupAt = 0;
-      (i < 24   ? script.failAllocAt
-       : i < 32 ? script.convertFailsAt
-                : script.stopAt) = i / 4 % (i < 24 ? 6 : 2) + 1;
       Compare(what, RunColorCase(what, member.library), RunColorCase(what, member.twin), i);
     }
   }
@@ -91,7 +60,6 @@ TEST(ColorDifferential, ChainsOfTheDispatcher) {
       what.base.destination.colorFlags = 0;
       what.base.destination.bitsPerPixel = dice.Of<std::uint8_t>({15, 16, 24, 32});
     }
-    what.base.script.failDupAt = 0;  // not every twin of the chain looks whether it has a copy
     what.base.errorRow.resize(what.base.errorRow.size() * 3 + 200);
     const Outcome twin = RunColorCase(what, RefColorCvtr2r, RefColorCvtr2r);
     if (twin.statuses.back() == kNoTwin) continue;

@@ -53,7 +53,7 @@ std::vector<int> Args(const Outcome& outcome, Call call, std::size_t which) {
 // Left, top, width, lines, depth of a band that was handed on, and the bytes of its pixels.
 std::array<int, 5> Header(const Bytes& band) {
   std::array<int, 5> words{};
-  for (std::size_t i = 0; i < words.size(); ++i) words[i] = band.at(4 + 2 * i) + 256 * band.at(5 + 2 * i);
+  for (std::size_t i = 0; i < words.size(); ++i) words[i] = WordAt(band, 4 + 2 * i);
   return words;
 }
 Bytes Pixels(const Bytes& band) { return {band.begin() + 16, band.end()}; }
@@ -152,7 +152,7 @@ TEST(Clip, PacksPlanesTogether) {
   what.source.clipY1 = 2;
   const Bytes band = RunCase(what, RoutineNamed("CvtClipPlane")).handedOn.at(0);
   EXPECT_EQ(Header(band), (std::array<int, 5>{8, 0, 16, 2, 2}));
-  EXPECT_EQ(band.at(14), 4);  // planeBytes
+  EXPECT_EQ(WordAt(band, 14), 4);  // planeBytes
   EXPECT_EQ(Bytes(band.begin() + 16, band.begin() + 24), (Bytes{2, 3, 12, 13, 22, 23, 32, 33}));
 }
 

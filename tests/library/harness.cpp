@@ -6,14 +6,6 @@ namespace cvt::test {
 
 namespace {
 
-template <CvtStatus (*kRoutine)(tagRasterPlane**, tagIGFD*, tagIGFD*, tagCRLA*)>
-CvtStatus OnPlanes(tagRasterPacked** band, tagIGFD* source, tagIGFD* destination, tagCRLA* context) {
-  auto* planes = reinterpret_cast<tagRasterPlane*>(*band);
-  const CvtStatus status = kRoutine(&planes, source, destination, context);
-  *band = reinterpret_cast<tagRasterPacked*>(planes);
-  return status;
-}
-
 template <CvtStatus (*kTwin)(Sibling, tagRasterPacked**, tagIGFD*, tagIGFD*, tagCRLA*), bool kFrom, bool kTo>
 CvtStatus Twin(tagRasterPacked** band, tagIGFD* source, tagIGFD* destination, tagCRLA* context) {
   return kTwin({kFrom, kTo}, band, source, destination, context);
@@ -34,17 +26,6 @@ std::vector<std::uint8_t> WithoutPointers(tagCRLA record) {
 bool SamePointers(const tagCRLA& a, const tagCRLA& b) {
   return a.runLengths == b.runLengths && a.values == b.values && a.errorRow == b.errorRow &&
          a.searchTable == b.searchTable && a.next == b.next && a.convertProc == b.convertProc;
-}
-
-void SetUp(World& world, const Case& what, CvtConvertProc convert) {
-  world.source = what.source;
-  world.destination = what.destination;
-  world.context.halftoneMethod = what.halftoneMethod;
-  world.context.sameColorMap = what.sameColorMap;
-  world.context.invertMono = what.invertMono;
-  world.context.grayPalette = what.grayPalette;
-  world.context.gammaActive = what.gammaActive;
-  world.context.convertProc = convert;
 }
 
 void Collect(World& world, Outcome& outcome) {
@@ -111,6 +92,24 @@ std::vector<Entry> Outcome::Calls(Call call) const {
   for (const Entry& entry : log)
     if (entry.call == call) found.push_back(entry);
   return found;
+}
+
+void SetUp(World& world, const Case& what, CvtConvertProc convert) {
+  world.source = what.source;
+  world.destination = what.destination;
+  world.context.halftoneMethod = what.halftoneMethod;
+  world.context.sameColorMap = what.sameColorMap;
+  world.context.invertMono = what.invertMono;
+  world.context.grayPalette = what.grayPalette;
+  world.context.gammaActive = what.gammaActive;
+  world.context.convertProc = convert;
+}
+
+int WordAt(const std::vector<std::uint8_t>& block, std::size_t at) {
+  if (at >= kBandPrefixBytes + kBandHeaderBytes) return block.at(at) + 256 * block.at(at + 1);
+  std::uint16_t word = 0;
+  std::memcpy(&word, &block.at(at), sizeof word);
+  return word;
 }
 
 Outcome RunCase(const Case& what, BandRoutine routine, CvtConvertProc convert) {

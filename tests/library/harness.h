@@ -2,6 +2,7 @@
 #pragma once
 
 #include <random>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -11,6 +12,15 @@
 namespace cvt::test {
 
 using BandRoutine = CvtStatus (*)(tagRasterPacked**, tagIGFD*, tagIGFD*, tagCRLA*);
+
+/// A routine that takes planes, as one that takes any band.
+template <CvtStatus (*kRoutine)(tagRasterPlane**, tagIGFD*, tagIGFD*, tagCRLA*)>
+CvtStatus OnPlanes(tagRasterPacked** band, tagIGFD* source, tagIGFD* destination, tagCRLA* context) {
+  auto* planes = reinterpret_cast<tagRasterPlane*>(*band);
+  const CvtStatus status = kRoutine(&planes, source, destination, context);
+  *band = reinterpret_cast<tagRasterPacked*>(planes);
+  return status;
+}
 
 /// The four members of a family: the library's routine and which sibling it is.
 struct Member {
@@ -53,19 +63,28 @@ struct Outcome {
   std::vector<Entry> Calls(Call call) const;
 };
 
+/// A word of a band's block: of prefix and header as this machine stores it, of the pixels low byte first.
+int WordAt(const std::vector<std::uint8_t>& block, std::size_t at);
+
 /// convert: what stands in the context as convertProc; the scripted one ends every chain.
 Outcome RunCase(const Case& what, BandRoutine routine, CvtConvertProc convert = ScriptedConvert);
+
+/// Makes the world's descriptors and context what the case says.
+void SetUp(World& world, const Case& what, CvtConvertProc convert);
 
 /// Empty when two outcomes are the same, otherwise where they part.
 std::string Difference(const Outcome& library, const Outcome& twin);
 std::string Describe(const Case& what);
 
-/// Random cases. A case depends on the seed and its number alone.
+/// Random cases. A case depends on the seed and its number alone, or on the bytes of a fuzzer.
 class Dice {
  public:
   explicit Dice(std::uint32_t number);
+  /// Every choice takes bytes as long as there are any.
+  explicit Dice(std::span<const std::uint8_t> bytes) : engine_(bytes.empty() ? 0 : bytes.back()), bytes_(bytes) {}
   int Between(int low, int high) {
-    return low + static_cast<int>(engine_() % static_cast<std::uint32_t>(high - low + 1));
+    const auto choices = static_cast<std::uint32_t>(high - low + 1);
+    return low + static_cast<int>((bytes_.empty() ? engine_() : Taken(choices)) % choices);
   }
   bool OneIn(int n) { return Between(1, n) == 1; }
   template <class T>
@@ -74,7 +93,10 @@ class Dice {
   }
 
  private:
+  std::uint32_t Taken(std::uint32_t choices);
+
   std::mt19937 engine_;
+  std::span<const std::uint8_t> bytes_;
 };
 std::uint32_t Seed();            // CVTR2R_TEST_SEED or a fixed number
 int Rounds(int ordinaryNumber);  // times CVTR2R_TEST_ROUNDS, if set

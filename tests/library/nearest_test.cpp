@@ -37,10 +37,6 @@ constexpr SplitCase kSplits[] = {
     {"200 is negative from planes", kBitByte, 1, 200, 6, 1, "100+6"},
     {"128 is deep from packed", kByteByte, 16, 128, 6, 16, "100+6"}};
 
-std::uint32_t WordAt(const std::vector<std::uint8_t>& block, std::size_t at) {
-  return block[at] + 256u * block[at + 1];
-}
-
 std::string PiecesOf(const Outcome& outcome) {
   std::string text;
   for (const auto& block : outcome.handedOn)
@@ -138,7 +134,7 @@ TEST(Nearest, KeepsSixteenBitsOfTheSearch) {
   what.destination.bitsPerPixel = 16;
   what.script.cubeHighBits = 0xC300;
   const Outcome outcome = RunCase(what, kNearestFamily[kByteByte].library);
-  EXPECT_EQ(WordAt(outcome.handedOn.at(0), 16), 0xC300u + SharedTable()[1]);
+  EXPECT_EQ(WordAt(outcome.handedOn.at(0), 16), 0xC300 + SharedTable()[1]);
 }
 
 TEST(Nearest, SnapsIndicesOncePerLineAndNothingElse) {
@@ -183,7 +179,7 @@ TEST(Relabel, ChangesLabelAndBitsInPlace) {
     std::snprintf(bytes, sizeof bytes, "%02x %02x %02x", band.at(16), band.at(17), band.at(18));
     EXPECT_STREQ(bytes, c.bytes) << c.what;
     EXPECT_EQ(WordAt(band, 0), c.code) << c.what;
-    EXPECT_EQ(WordAt(band, 2), 15u) << c.what;
+    EXPECT_EQ(WordAt(band, 2), 15) << c.what;
     EXPECT_EQ(outcome.handedOn, outcome.inputs) << c.what;
     EXPECT_EQ(outcome.log.size(), 3u) << c.what;  // copy, convertProc, disposal
     EXPECT_TRUE(outcome.leftAllocated.empty()) << c.what;

@@ -3,6 +3,8 @@
 #include <cstring>
 #include <type_traits>
 
+#include "tests/scripted/prefix.h"
+
 namespace cvt::test {
 
 namespace {
@@ -72,23 +74,6 @@ Item* NewArray(World& world, std::size_t items, bool zeroed) {
   return reinterpret_cast<Item*>(block);
 }
 
-// The next link. Keeps the entries of a palette that was allocated, which stands under its ordinal in the log, and
-// scribbles over the whole line buffer that the context really has.
-std::int16_t CVT_CALL NextLink(tagRasterPacked** band, tagIGFD* source, tagIGFD* destination, tagCRLA* context) {
-  World& here = World::Here();
-  IRGB* const palette = source->palette;
-  const std::int64_t ordinal = here.Identify(palette);
-  if (ordinal > 0) source->palette = reinterpret_cast<IRGB*>(ordinal);
-  const std::int16_t answer = ScriptedConvert(band, source, destination, context);
-  source->palette = palette;
-  if (ordinal > 0) here.handedOn.push_back(here.BytesOf(palette));
-  for (std::size_t i = 0; here.script.scribbles && i < here.values.size(); ++i) {
-    context->runLengths[i] = here.runLengths[i];
-    context->values[i] = here.values[i];
-  }
-  return answer;
-}
-
 std::vector<std::uint8_t> StateOf(const tagCRLA& c) {
   const std::uint32_t state[] = {c.runCount,     c.mergeLeft,  c.nextSourceLine,     c.upSourceLine,
                                  c.upOutputLine, c.mergeWidth, c.smoothOutputRemain, c.scaleAccumulator};
@@ -109,37 +94,55 @@ const std::vector<Scaler> kScaleDrivers = {
     {"CvtScaleSmooth", CvtScaleSmooth, RefScaleSmooth}};
 
 template <auto kBit, auto kByte, auto kTwin, Takes kTakes, Along kAlong = Along::Width>
-static void AddPair(std::vector<Scaler>& all, const char* name) {
-  all.push_back({name, Work<kBit, true, kTakes, kAlong>, Work<kTwin, true, kTakes, kAlong>});
-  all.push_back({name, Work<kByte, false, kTakes, kAlong>, Work<kTwin, false, kTakes, kAlong>});
+static void AddPair(std::vector<Scaler>& all, const std::string& stem) {
+  all.push_back({stem + "Bit", Work<kBit, true, kTakes, kAlong>, Work<kTwin, true, kTakes, kAlong>});
+  all.push_back({stem + "Byte", Work<kByte, false, kTakes, kAlong>, Work<kTwin, false, kTakes, kAlong>});
 }
 
 const std::vector<Scaler> kScaleWorkers = [] {
   constexpr Along kWidth = Along::Width, kHeight = Along::Height;
   constexpr Takes kIndex = Takes::Index, kKeep = Takes::KeepColor, kNothing = Takes::Nothing;
   std::vector<Scaler> all;
-  AddPair<CvtScaleUpWidthBit, CvtScaleUpWidthByte, RefUpWidth, kIndex, kWidth>(all, "up, width");
-  AddPair<CvtScaleUpHeightBit, CvtScaleUpHeightByte, RefUpHeight, kIndex, kHeight>(all, "up, height");
-  AddPair<CvtScaleDownWidthBit, CvtScaleDownWidthByte, RefDownWidth, kKeep, kWidth>(all, "down, width");
-  AddPair<CvtScaleDownHeightBit, CvtScaleDownHeightByte, RefDownHeight, kNothing, kHeight>(all, "down, height");
-  AddPair<CvtDecimateWidthBit, CvtDecimateWidthByte, RefDecimateWidth, kNothing, kWidth>(all, "decimated, width");
+  AddPair<CvtScaleUpWidthBit, CvtScaleUpWidthByte, RefUpWidth, kIndex, kWidth>(all, "CvtScaleUpWidth");
+  AddPair<CvtScaleUpHeightBit, CvtScaleUpHeightByte, RefUpHeight, kIndex, kHeight>(all, "CvtScaleUpHeight");
+  AddPair<CvtScaleDownWidthBit, CvtScaleDownWidthByte, RefDownWidth, kKeep, kWidth>(all, "CvtScaleDownWidth");
+  AddPair<CvtScaleDownHeightBit, CvtScaleDownHeightByte, RefDownHeight, kNothing, kHeight>(all,
+                                                                                           "CvtScaleDownHeight");
+  AddPair<CvtDecimateWidthBit, CvtDecimateWidthByte, RefDecimateWidth, kNothing, kWidth>(all, "CvtDecimateWidth");
   AddPair<CvtDecimateHeightBit, CvtDecimateHeightByte, RefDecimateHeight, kNothing, kHeight>(all,
-                                                                                             "decimated, height");
+                                                                                             "CvtDecimateHeight");
   return all;
 }();
 const std::vector<Scaler> kSmoothWorkers = [] {
   std::vector<Scaler> all;
-  AddPair<CvtPrepareSmoothBit, CvtPrepareSmoothByte, RefPrepareSmooth, Takes::Descriptors>(all, "preparation");
-  all.push_back({"gray kernel", Kernel<CvtScaleSmoothGray>, With<RefSmoothKernel, false>});
-  all.push_back({"colour kernel", Kernel<CvtScaleSmoothRGB>, With<RefSmoothKernel, true>});
+  AddPair<CvtPrepareSmoothBit, CvtPrepareSmoothByte, RefPrepareSmooth, Takes::Descriptors>(all,
+                                                                                           "CvtPrepareSmooth");
+  all.push_back({"CvtScaleSmoothGray", Kernel<CvtScaleSmoothGray>, With<RefSmoothKernel, false>});
+  all.push_back({"CvtScaleSmoothRGB", Kernel<CvtScaleSmoothRGB>, With<RefSmoothKernel, true>});
   return all;
 }();
 
-Outcome RunScale(const ScaleCase& what, BandRoutine routine) {
-  World world(what.script, what.capacity, {});
+// The next link. Keeps the entries of a palette that was allocated, which stands under its ordinal in the log, and
+// scribbles over the whole line buffer that the context really has.
+std::int16_t CVT_CALL NextLink(tagRasterPacked** band, tagIGFD* source, tagIGFD* destination, tagCRLA* context) {
+  World& here = World::Here();
+  IRGB* const palette = source->palette;
+  const std::int64_t ordinal = here.Identify(palette);
+  if (ordinal > 0) source->palette = reinterpret_cast<IRGB*>(ordinal);
+  const std::int16_t answer = ScriptedConvert(band, source, destination, context);
+  source->palette = palette;
+  if (ordinal > 0) here.handedOn.push_back(here.BytesOf(palette));
+  for (std::size_t i = 0; here.script.scribbles && i < here.values.size(); ++i) {
+    context->runLengths[i] = here.runLengths[i];
+    context->values[i] = here.values[i];
+  }
+  return answer;
+}
+
+Outcome RunScale(const ScaleCase& what, BandRoutine routine, CvtConvertProc convert) {
+  World world(what.script, what.capacity, what.errorRow);
+  SetUp(world, what, convert);
   tagCRLA& context = world.context;
-  world.source = what.source;
-  world.destination = what.destination;
   if (!what.palette.empty()) world.source.palette = const_cast<IRGB*>(what.palette.data());
   world.stage.bandLimit = what.bandLimit;
   const std::size_t entries = what.capacity, pixels = std::max(entries, what.linePixels);
@@ -153,17 +156,13 @@ Outcome RunScale(const ScaleCase& what, BandRoutine routine) {
   context.smoothSums = NewArray<std::uint32_t>(world, 3 * pixels, false);
   context.scaleDownMethod = what.scaleDownMethod;
   context.scaleAccumulator = what.accumulator;
-  context.grayPalette = what.grayPalette;
-  context.convertProc = NextLink;
   const std::vector<const void*> buffers = {
       flags, merged, context.runLengths, context.values, context.smoothCurrentLine, context.smoothSums};
 
   Outcome outcome;
   for (const BandPlan& plan : what.bands) {
     tagRasterPacked* const band = world.MakeBand(plan);
-    auto* prefix = reinterpret_cast<std::uint8_t*>(band) - kBandPrefixBytes;
-    if (what.operationCode != 0) prefix[0] = static_cast<std::uint8_t>(what.operationCode);
-    if (what.operationCode != 0) prefix[1] = static_cast<std::uint8_t>(what.operationCode >> 8);
+    if (what.operationCode != 0) SetPrefix(band, {what.operationCode, PrefixOf(band).size});
     tagRasterPacked* slot = band;
     outcome.statuses.push_back(routine(&slot, &world.source, &world.destination, &context));
     outcome.inputs.push_back(world.BytesOf(band));
@@ -172,6 +171,7 @@ Outcome RunScale(const ScaleCase& what, BandRoutine routine) {
   for (const void* buffer : buffers) outcome.inputs.push_back(world.BytesOf(buffer));
   outcome.log = std::move(world.log);
   outcome.handedOn = std::move(world.handedOn);
+  outcome.errorRow = world.errors;
   outcome.context = StateOf(context);
   outcome.leftAllocated = world.LeftAllocated();
   outcome.leftAllocated.erase(outcome.leftAllocated.begin(), outcome.leftAllocated.begin() + kBuffers);

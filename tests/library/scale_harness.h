@@ -16,7 +16,7 @@ struct ScaleCase : Case {
 };
 
 struct Scaler {
-  const char* name;
+  std::string name;
   BandRoutine library, twin;
 };
 /// Workers run through an adapter that hands on what they make and calls them again while they ask for it, up to
@@ -26,7 +26,10 @@ extern const std::vector<Scaler> kScaleDrivers;   // width up, height up, width 
 extern const std::vector<Scaler> kScaleWorkers;   // planes and packed of: up, down, decimated, each width, height
 extern const std::vector<Scaler> kSmoothWorkers;  // prepare planes and packed, kernels gray and colour
 
+/// The next link of a scaler that runs alone: it looks at what it gets and ends the chain.
+std::int16_t CVT_CALL NextLink(tagRasterPacked** band, tagIGFD* source, tagIGFD* destination, tagCRLA* context);
+
 /// The scaling buffers follow the input bands among the outcome's inputs; they are not left allocated.
-Outcome RunScale(const ScaleCase& what, BandRoutine routine);
+Outcome RunScale(const ScaleCase& what, BandRoutine routine, CvtConvertProc convert = NextLink);
 
 }  // namespace cvt::test

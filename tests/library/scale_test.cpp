@@ -1,4 +1,4 @@
-// The scalers against figures worked out by hand, and what their failures leave.
+// The scalers against figures worked out by hand.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -43,8 +43,6 @@ ScaleCase Column(const std::string& pixels, int height) {
   for (const char c : pixels) lines.emplace_back(1, c);
   return Picture(lines, 0, height);
 }
-
-int WordAt(const std::vector<std::uint8_t>& block, std::size_t at) { return block[at] + 256 * block[at + 1]; }
 
 /// Every band handed on: "top+lines" and its lines, without padding.
 std::string Given(const Outcome& outcome) {
@@ -236,61 +234,19 @@ TEST(ScaleSmooth, CutsWhatItPrepares) {
 }
 
 TEST(ScaleSmooth, ChoosesGrayOrColor) {
-  static constexpr std::uint8_t kRows[][4] = {// source and destination depth, grayPalette, depth of the result
-                                              {1, 8, 0, 8},
-                                              {8, 1, 0, 8},
-                                              {8, 8, 1, 8},
-                                              {8, 8, 0, 32},
-                                              {8, 8, 2, 32}};
+  // Source and destination depth, grayPalette, the host's answer; depth of the result, whether the host is asked.
+  static constexpr std::uint8_t kRows[][6] = {{1, 8, 0, 0, 8, 0},  {8, 1, 0, 0, 8, 0},  {8, 8, 1, 0, 8, 0},
+                                              {8, 8, 0, 0, 32, 1}, {8, 8, 2, 0, 32, 1}, {8, 8, 0, 1, 8, 1}};
   for (const auto& row : kRows) {
     ScaleCase what = Picture({"ab"}, 1, 0);
     what.source.bitsPerPixel = row[0];
     what.destination.bitsPerPixel = row[1];
     what.grayPalette = row[2];
+    what.script.isGray = row[3] == 0 ? 0 : 256;
     const Outcome outcome = RunScale(what, kScaleDrivers[kSmooth].library);
-    EXPECT_EQ(WordAt(outcome.handedOn.at(0), 12), row[3]) << int{row[0]} << int{row[1]} << int{row[2]};
-    EXPECT_EQ(outcome.Calls(Call::IsGray).size(), row[3] == 32 ? 1u : 0u);
+    EXPECT_EQ(WordAt(outcome.handedOn.at(0), 12), row[4]) << int{row[0]} << int{row[1]} << int{row[2]};
+    EXPECT_EQ(outcome.Calls(Call::IsGray).size(), row[5]);
   }
-}
-
-struct FailureRow {
-  int failDupAt, failAllocAt, convertFailsAt;
-  CvtStatus status;
-  const char* left;  // c: descriptor copy, h: cursor, b: band, in the order in which they were made
-};
-constexpr FailureRow kPlainFailures[] = {{0, 0, 0, kCvtOk, ""},          {1, 0, 0, kCvtNoDescriptor, ""},
-                                         {0, 1, 0, kCvtNoMemory, "c"},   {0, 2, 0, kCvtNoMemory, "ch"},
-                                         {0, 3, 0, kCvtNoMemory, "chb"}, {0, 0, 1, -77, "cb"}};
-constexpr FailureRow kSmoothFailures[] = {{0, 0, 0, kCvtOk, ""},
-                                          {1, 0, 0, kCvtNoDescriptor, ""},
-                                          {2, 0, 0, kCvtNoDescriptor, ""},
-                                          {0, 0, 1, -77, "chb"}};
-// Left by the failing allocation of the ramp; cursor, band and cursor of preparation; the same of the kernel.
-constexpr const char* kSmoothLeft[] = {"c", "", "h", "hb", "c", "ch", "chb"};
-
-void ExpectFailure(ScaleCase what, std::size_t driver, const FailureRow& row) {
-  what.script.failDupAt = row.failDupAt;
-  what.script.failAllocAt = row.failAllocAt;
-  what.script.convertFailsAt = row.convertFailsAt;
-  const Outcome outcome = RunScale(what, kScaleDrivers[driver].library);
-  std::string left;
-  for (const std::string& text : outcome.leftAllocated) left += text[0] == 'd' ? 'c' : text[0];
-  EXPECT_EQ(outcome.statuses[0], row.status) << kScaleDrivers[driver].name << row.failDupAt << row.failAllocAt;
-  EXPECT_EQ(left, row.left) << kScaleDrivers[driver].name << row.failDupAt << row.failAllocAt;
-}
-
-TEST(ScaleFailures, LeaveWhatEachScalerLeaves) {
-  for (const FailureRow& row : kPlainFailures)
-    for (std::size_t driver = kUpWidth; driver <= kDownHeight; ++driver)
-      for (const bool decimates : {false, true}) {
-        ScaleCase what = driver <= kUpHeight ? Picture({"ab", "cd"}, 3, 3) : Picture({"ab", "cd"}, 1, 1);
-        what.scaleDownMethod = decimates ? kDecimate : 0;
-        ExpectFailure(what, driver, row);
-      }
-  const ScaleCase smooth = Picture({"ab", "cd"}, 1, 1);
-  for (const FailureRow& row : kSmoothFailures) ExpectFailure(smooth, kSmooth, row);
-  for (int k = 1; k <= 7; ++k)
-    ExpectFailure(smooth, kSmooth, {0, k, 0, k == 1 ? kCvtNoDescriptor : kCvtNoMemory, kSmoothLeft[k - 1]});
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 // Twins of cursors, context and bit inversion.
 #include "tests/reference/reference.h"
+#include "tests/scripted/prefix.h"
 
 namespace cvt::test {
 
@@ -63,8 +64,7 @@ CvtStatus RefDestroyContext(tagCRLA* context) {
 
 void RefFlipBits(tagRasterPlane* band) {
   auto* header = reinterpret_cast<std::uint8_t*>(band);
-  const std::uint32_t size = header[-2] + 256u * header[-1];
-  const std::uint32_t words = (size - 12) >> 1;
+  const std::uint32_t words = (PrefixOf(band).size - 12u) >> 1;
   for (std::uint32_t i = 0; i < 2 * words; ++i) header[12 + i] = static_cast<std::uint8_t>(~header[12 + i]);
 }
 

@@ -64,6 +64,7 @@ bool DiffuseLine(const Diffusion& d, const tagIGFD& source, RefCursor in, RefCur
 CvtStatus RefMonoDiffusion(Sibling which, tagRasterPacked** band, tagIGFD* source, tagIGFD* destination,
                            tagCRLA* context) {
   tagIGFD* copy = CvtDupIGFD(source);
+  if (copy == nullptr) return kCvtNoDescriptor;
   copy->rasterKind = 0;
   Diffusion d{};
   d.which = which;

@@ -1,5 +1,6 @@
 // Twins of the four nearest-colour routines and of the one-bit relabelling.
 #include "tests/reference/band.h"
+#include "tests/scripted/prefix.h"
 
 namespace cvt::test {
 
@@ -42,6 +43,7 @@ void ConvertLine(const Mapping& map, RefCursor in, RefCursor out, tagCRLA* conte
 CvtStatus RefNearest(Sibling which, tagRasterPacked** band, tagIGFD* source, tagIGFD* destination,
                      tagCRLA* context) {
   tagIGFD* copy = CvtDupIGFD(source);
+  if (copy == nullptr) return kCvtNoDescriptor;
   copy->rasterKind = 0;
   Mapping map{};
   map.channels = ChannelsOf(*source);
@@ -75,11 +77,11 @@ CvtStatus RefNearest(Sibling which, tagRasterPacked** band, tagIGFD* source, tag
 
 CvtStatus RefRelabel(tagRasterPacked** band, tagIGFD* source, tagIGFD* destination, tagCRLA* context) {
   tagIGFD* copy = CvtDupIGFD(source);
+  if (copy == nullptr) return kCvtNoDescriptor;
   copy->rasterKind = 0;
   tagRasterPacked* relabelled = *band;
-  auto* prefix = reinterpret_cast<std::uint8_t*>(relabelled) - kBandPrefixBytes;
-  prefix[0] = (destination->rasterKind & 4) != 0 ? 20 : 21;
-  prefix[1] = 0;
+  const bool toPlanes = (destination->rasterKind & 4) != 0;
+  SetPrefix(relabelled, {static_cast<std::uint16_t>(toPlanes ? 20 : 21), PrefixOf(relabelled).size});
   auto* planes = reinterpret_cast<tagRasterPlane*>(relabelled);
   if (context->sameColorMap == 0 && context->invertMono == 0) RefFlipBits(planes);
   if ((context->sameColorMap & context->invertMono) != 0) RefFlipBits(planes);

@@ -14,6 +14,9 @@ CvtStatus RefScaleDown(Along along, tagRasterPacked** band, tagIGFD* source, tag
                        tagCRLA* context);
 CvtStatus RefScaleSmooth(tagRasterPacked** band, tagIGFD* source, tagIGFD* destination, tagCRLA* context);
 
+/// The whole chain: dispatch with these twins and those of RefColorCvtr2r.
+CvtStatus CVT_CALL RefWholeCvtr2r(tagRasterPacked** band, tagIGFD* source, tagIGFD* destination, tagCRLA* context);
+
 /// Workers; bands of planes pass through them as packed ones.
 tagRasterPacked* RefUpWidth(bool planes, tagRasterPacked** band, std::int32_t from, std::int32_t to,
                             tagCRLA* context, std::int16_t* index);

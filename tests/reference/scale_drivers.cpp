@@ -1,5 +1,7 @@
 // Twins of the drivers of the plain scalers, and the steps that all scalers share.
+#include "tests/reference/color.h"
 #include "tests/reference/scale.h"
+#include "tests/scripted/prefix.h"
 
 namespace cvt::test {
 
@@ -70,11 +72,6 @@ void Shift(Along along, tagRasterPacked* band, std::int64_t by) {
     band->top = static_cast<std::uint16_t>(band->top + by);
 }
 
-int CodeOf(const tagRasterPacked* band) {
-  const auto* header = reinterpret_cast<const std::uint8_t*>(band);
-  return header[-4] + 256 * header[-3];
-}
-
 struct Job {
   Along along;
   tagIGFD* copy;
@@ -128,7 +125,7 @@ CvtStatus RefScaleUp(Along along, tagRasterPacked** band, tagIGFD* source, tagIG
     context->upOutputLine =
         static_cast<std::uint16_t>(RefScaledUnsigned((*band)->top, job.to.size, job.from.size));
   }
-  const int code = CodeOf(*band);
+  const int code = PrefixOf(*band).code;
   if (code != 20 && code != 21) return PutAside(job, band);
   const auto worker = along == Along::Width ? RefUpWidth : RefUpHeight;
   std::int16_t next = 0;
@@ -149,7 +146,7 @@ CvtStatus RefScaleDown(Along along, tagRasterPacked** band, tagIGFD* source, tag
   const Job job = StartJob(along, *source, copy, destination, context);
   const std::int32_t from = job.from.size, to = job.to.size;
   if (from == to) return MoveOnly(job, band);
-  const int code = CodeOf(*band);
+  const int code = PrefixOf(*band).code;
   if (code != 20 && code != 21) return PutAside(job, band);
   tagRasterPacked* out = nullptr;
   if (along == Along::Width && context->scaleDownMethod == 2)
@@ -165,6 +162,19 @@ CvtStatus RefScaleDown(Along along, tagRasterPacked** band, tagIGFD* source, tag
   if (status != 0) return status;
   CvtDisposeIGFD(copy);
   return kCvtOk;
+}
+
+CvtStatus CVT_CALL RefWholeCvtr2r(tagRasterPacked** band, tagIGFD* source, tagIGFD* destination,
+                                  tagCRLA* context) {
+  const Due due = DueRoutine(0, (*band)->lineCount, *source, *destination, *context);
+  if (due < Due::ScaleSmooth || due > Due::ScaleUpHeight)
+    return RefColorCvtr2r(band, source, destination, context);
+  if (source->progressProc(source->progressData) != 0) return kCvtStopped;
+  if (due == Due::ScaleSmooth) return RefScaleSmooth(band, source, destination, context);
+  const bool width = due == Due::ScaleDownWidth || due == Due::ScaleUpWidth;
+  const bool reduces = due == Due::ScaleDownWidth || due == Due::ScaleDownHeight;
+  return (reduces ? RefScaleDown : RefScaleUp)(width ? Along::Width : Along::Height, band, source, destination,
+                                               context);
 }
 
 }  // namespace cvt::test

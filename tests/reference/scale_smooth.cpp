@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "tests/reference/scale.h"
+#include "tests/scripted/prefix.h"
 
 namespace cvt::test {
 
@@ -233,8 +234,7 @@ CvtStatus RefScaleSmooth(tagRasterPacked** band, tagIGFD* source, tagIGFD* desti
   }
   prepared->palette = ramp;
 
-  const auto* prefix = reinterpret_cast<const std::uint8_t*>(*band) - kBandPrefixBytes;
-  const bool planes = prefix[0] == 20 && prefix[1] == 0;
+  const bool planes = PrefixOf(*band).code == 20;
   CvtStatus status = kCvtOk;
   std::uint16_t index = 0;
   do {

@@ -1,6 +1,7 @@
 // Heap, descriptor copies and operation lists of the scripted host.
 #include <cstring>
 
+#include "tests/scripted/prefix.h"
 #include "tests/scripted/world.h"
 
 using cvt::test::Block;
@@ -39,11 +40,8 @@ void* CVT_CALL SioCreateOp(std::uint32_t code, std::uint32_t size) {
   std::uint8_t* base = fails ? nullptr : here.Take(size + kBandPrefixBytes, BlockKind::Band);
   std::uint8_t* body = nullptr;
   if (base != nullptr) {
-    for (std::uint32_t i = 0; i < 2; ++i) {
-      base[i] = static_cast<std::uint8_t>(code >> 8 * i);
-      base[2 + i] = static_cast<std::uint8_t>(size >> 8 * i);
-    }
     body = base + kBandPrefixBytes;
+    cvt::test::SetPrefix(body, {static_cast<std::uint16_t>(code), static_cast<std::uint16_t>(size)});
   }
   here.Note(Call::CreateOp, {code, size, here.Identify(body)});
   return body;

@@ -24,7 +24,7 @@ const Shape& ShapeOf(Call call) {
       {"CvtSnap", {"context", "runCount", "runs"}},
       {"CvtClosestRGB", {"red", "green", "blue", "descriptor", "answer"}},
       {"CvtSearchRGBCube", {"table", "red", "green", "blue"}},
-      {"CvtIsGray", {"descriptor", "mode"}},
+      {"CvtIsGray", {"descriptor", "mode", "answer"}},
       {"CvtAssignRasterStatus", {"band", "descriptor", "mode", "slot"}},
       {"CvtExecuteNextFunction", {"next", "band", "handedOn", "answer"}},
       {"CvtReadPlaneLine", {"cursor", "geometry", "context", "x", "y", "wanted", "delivered"}},

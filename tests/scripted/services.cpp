@@ -81,8 +81,8 @@ std::uint16_t CVT_CALL CvtSearchRGBCube(std::uint8_t* table, WRGB* color) {
 
 std::uint16_t CVT_CALL CvtIsGray(tagIGFD* descriptor, std::int32_t mode) {
   World& here = World::Here();
-  here.Note(Call::IsGray, {here.Identify(descriptor), mode});
-  return 0;
+  here.Note(Call::IsGray, {here.Identify(descriptor), mode, here.script.isGray});
+  return here.script.isGray;
 }
 
 void CVT_CALL CvtAssignRasterStatus(tagRasterPacked* band, tagIGFD* source, std::uint16_t mode) {

@@ -4,6 +4,8 @@
 #include <cstring>
 #include <random>
 
+#include "tests/scripted/prefix.h"
+
 struct tagOpList {
   std::uint8_t unused;
 };
@@ -18,11 +20,6 @@ thread_local World* current = nullptr;
 
 void FillFresh(std::uint8_t* base, std::uint32_t size, std::uint32_t ordinal) {
   for (std::uint32_t i = 0; i < size; ++i) base[i] = static_cast<std::uint8_t>(0x5A + 7 * i + 31 * ordinal);
-}
-
-void PutWord(std::uint8_t* at, std::uint32_t value) {
-  at[0] = static_cast<std::uint8_t>(value);
-  at[1] = static_cast<std::uint8_t>(value >> 8);
 }
 
 }  // namespace
@@ -91,14 +88,13 @@ World& World::Here() { return *current; }
 tagRasterPacked* World::MakeBand(const BandPlan& plan) {
   const auto body = static_cast<std::uint32_t>(kBandHeaderBytes + plan.pixels.size());
   std::uint8_t* base = Take(body + kBandPrefixBytes, BlockKind::CallersBand);
-  PutWord(base, plan.planes ? kPlaneBand : kPackedBand);
-  PutWord(base + 2, body);
+  auto* band = reinterpret_cast<tagRasterPacked*>(base + kBandPrefixBytes);
+  SetPrefix(band, {plan.planes ? kPlaneBand : kPackedBand, static_cast<std::uint16_t>(body)});
   const std::uint32_t planeBytes = ((plan.width + 15u) >> 3 & ~1u) * plan.lineCount;
-  const std::array<std::uint32_t, 6> header = {plan.left,      plan.top,   plan.width,
-                                               plan.lineCount, plan.depth, plan.planes ? planeBytes : 0x7777};
-  for (std::size_t i = 0; i < header.size(); ++i) PutWord(base + 4 + 2 * i, header[i]);
-  if (!plan.pixels.empty()) std::memcpy(base + 16, plan.pixels.data(), plan.pixels.size());
-  return reinterpret_cast<tagRasterPacked*>(base + kBandPrefixBytes);
+  *band = {plan.left,      plan.top,   plan.width,
+           plan.lineCount, plan.depth, static_cast<std::uint16_t>(plan.planes ? planeBytes : 0x7777)};
+  if (!plan.pixels.empty()) std::memcpy(band + 1, plan.pixels.data(), plan.pixels.size());
+  return band;
 }
 
 // Every block is a malloc block of exactly the size asked for, so that a sanitizer sees the first byte

@@ -75,6 +75,7 @@ struct Script {
   std::int32_t black = 0;
   std::int32_t white = 1;
   std::uint16_t cubeHighBits = 0;  // joined to what the cube answers
+  std::uint16_t isGray = 0;
 };
 
 enum class BlockKind : std::uint8_t { Heap, Band, Copy, CallersBand };

@@ -1,0 +1,37 @@
+// A line written over what a band holds: by the library's translucent writers and by their twins.
+#pragma once
+
+#include "tests/library/harness.h"
+
+namespace cvt::test {
+
+struct Painted {
+  std::uint16_t length;
+  std::uint32_t value;
+};
+
+// What the band holds after a line, and the writer's count.
+struct Written {
+  std::uint16_t count;
+  std::vector<std::uint8_t> bytes;
+  bool operator==(const Written&) const = default;
+};
+
+enum class Writer : std::uint8_t { Library, Twin };
+enum class Way : std::uint8_t { ByBand, Word, Long };
+
+Written Write(Writer writer, Way way, const BandPlan& plan, std::uint16_t x, std::uint16_t y,
+              const std::vector<Painted>& line, std::vector<std::uint8_t>& transparent);
+
+struct TranslucentCase {
+  BandPlan plan;
+  std::uint16_t x, y;
+  std::vector<Painted> line;
+  std::vector<std::uint8_t> transparent;
+};
+TranslucentCase RandomTranslucent(Dice& dice);
+inline Written Write(Writer writer, TranslucentCase& what) {
+  return Write(writer, Way::ByBand, what.plan, what.x, what.y, what.line, what.transparent);
+}
+
+}  // namespace cvt::test
