@@ -1,5 +1,5 @@
 // Names for C from the names of files.
-#include <algorithm>
+#include <string>
 #include <string_view>
 
 #include "imageio/c_file.h"
@@ -17,9 +17,8 @@ constexpr std::string_view kTaken =
     "noexcept not not_eq nullptr operator or or_eq private protected ptrdiff public register reinterpret_cast "
     "requires restrict return short signed size size_t sizeof static static_assert static_cast struct switch "
     "template this thread_local throw true try typedef typeid typename typeof typeof_unqual uint16 uint16_t "
-    "uint32 "
-    "uint32_t uint64 uint64_t uint8 uint8_t uintmax uintptr union unsigned using virtual void volatile wchar "
-    "wchar_t while wint xor xor_eq ";
+    "uint32 uint32_t uint64 uint64_t uint8 uint8_t uintmax uintptr union unsigned using virtual void volatile "
+    "wchar wchar_t while wint xor xor_eq ";
 
 bool IsLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
 

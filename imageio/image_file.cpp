@@ -61,6 +61,42 @@ bool IsTiff(std::string_view head) {
   return std::find(std::begin(kMarks), std::end(kMarks), head) != std::end(kMarks);
 }
 
+bool IsPng(std::string_view head) { return head.starts_with("\x89P"); }
+
+bool IsJpeg(std::string_view head) { return head.starts_with("\xff\xd8"); }
+
+template <char kPlain, char kBinary>
+bool IsPnm(std::string_view head) {
+  return head.size() >= 2 && head[0] == 'P' && (head[1] == kPlain || head[1] == kBinary);
+}
+
+struct Reader {
+  const char* kind;
+  bool (*knows)(std::string_view head);  // the first four bytes, fewer where there are no more
+  Status (*open)(std::unique_ptr<InputFile> file, const ReadOptions& options, pipeline::RowSource* source);
+};
+constexpr Reader kReaders[] = {{"PNG", IsPng, OpenPng},           {"TIFF", IsTiff, OpenTiff},
+                               {"JPEG", IsJpeg, OpenJpeg},        {"PBM", IsPnm<'1', '4'>, OpenPnm},
+                               {"PGM", IsPnm<'2', '5'>, OpenPnm}, {"PPM", IsPnm<'3', '6'>, OpenPnm},
+                               {"PAM", IsPnm<'7', '7'>, OpenPnm}};
+
+Status OpenKind(const std::string& path, const ReadOptions& options, pipeline::RowSource* source,
+                const char** kind) {
+  std::unique_ptr<InputFile> file;
+  if (Status failed = OpenInput(path, &file); Failed(failed)) return failed;
+  const std::string_view head = Peek(*file, 4);
+  if (file->error != 0) return EndOfInput(*file, "");
+  if (head.empty()) return Fail(Code::Input, "the file is empty (give an image)");
+  for (const Reader& reader : kReaders) {
+    if (!reader.knows(head)) continue;
+    *kind = reader.kind;
+    if (options.page > 1 && reader.open != OpenTiff)
+      return Fail(Code::Usage, "the file has 1 page (leave --page out)");
+    return reader.open(std::move(file), options, source);
+  }
+  return Fail(Code::Input, "this is no image of a known format (give a PNG, JPEG, TIFF, PBM, PGM, PPM or PAM)");
+}
+
 }  // namespace
 
 bool HasSuffix(const std::string& path, std::string_view suffix) {
@@ -88,19 +124,15 @@ Status CheckSize(std::int64_t width, std::int64_t height, const ReadOptions& opt
 }
 
 Status OpenImage(const std::string& path, const ReadOptions& options, pipeline::RowSource* source) {
-  std::unique_ptr<InputFile> file;
-  if (Status failed = OpenInput(path, &file); Failed(failed)) return failed;
-  const std::string_view head = Peek(*file, 4);
-  if (file->error != 0) return EndOfInput(*file, "");
-  if (head.empty()) return Fail(Code::Input, "the file is empty (give an image)");
-  if (IsTiff(head)) return OpenTiff(std::move(file), options, source);
-  if (options.page > 1) return Fail(Code::Usage, "the file has 1 page (leave --page out)");
-  if (head.starts_with("\x89P")) return OpenPng(std::move(file), options, source);
-  if (head.starts_with("\xff\xd8")) return OpenJpeg(std::move(file), options, source);
-  if (head.size() >= 2 && head[0] == 'P' && head[1] >= '1' && head[1] <= '7') {
-    return OpenPnm(std::move(file), options, source);
-  }
-  return Fail(Code::Input, "this is no image of a known format (give a PNG, JPEG, TIFF, PBM, PGM, PPM or PAM)");
+  const char* kind = nullptr;
+  return OpenKind(path, options, source, &kind);
+}
+
+Status DescribeImage(const std::string& path, const ReadOptions& options, Description* description) {
+  pipeline::RowSource source;
+  Status status = OpenKind(path, options, &source, &description->kind);
+  description->image = std::move(source.image);
+  return status;
 }
 
 const char* SuffixOf(Format format) {

@@ -1,7 +1,8 @@
 // Image files, row by row: what an application opens and creates.
 //
-// Reads and writes PNG and the PBM, PGM, PPM family, writes raw rows. Memory does not depend on the height of
-// the image, interlaced PNG excepted. Knows nothing of bands and conversions.
+// Reads and writes PNG, TIFF and the PBM, PGM, PPM, PAM family, reads JPEG, writes raw rows and C arrays. Memory
+// does not depend on the height of the image, interlaced PNG, progressive JPEG and tiled TIFF excepted. Knows
+// nothing of bands and conversions.
 #pragma once
 
 #include <cstdint>
@@ -40,12 +41,20 @@ struct WriteOptions {
 
 /// Opens an image; "-" is standard input. The first bytes tell the format. Gray and indexed images come at
 /// their true depth with their palette, colours as 24-bit rows; 16-bit samples are rounded to 8 bits and
-/// transparency lies on the background.
+/// transparency lies on the background. The resolution comes along where the file tells one.
 ///
 /// Code::Input   missing, unreadable, damaged or of an unknown format
 /// Code::Limit   larger than the options allow, or interlaced and too large for the buffer
 /// `source->read` answers the same codes, and Code::Input for an image that ends early.
 pipeline::Status OpenImage(const std::string& path, const ReadOptions& options, pipeline::RowSource* source);
+
+struct Description {
+  const char* kind = "";  // "PNG"
+  pipeline::Image image;
+};
+
+/// What OpenImage would deliver; fails as it does.
+pipeline::Status DescribeImage(const std::string& path, const ReadOptions& options, Description* description);
 
 /// Creates an image; "-" is standard output. The file appears under its name when `sink->end` is done;
 /// a sink that is destroyed before leaves nothing behind. Devices and pipes are written directly.

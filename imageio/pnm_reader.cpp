@@ -166,7 +166,8 @@ void PrepareRows(PnmReader& reader) {
   const bool bytes = header.stored == Samples::Bytes && header.largest == 255;
   if (header.stored == Samples::Bits || (bytes && !header.alpha)) return;
   if (!header.alpha) MakeLevels(reader);
-  const auto pixelSamples = static_cast<std::size_t>(header.colors + (header.alpha ? 1 : 0));
+  const auto colors = static_cast<std::size_t>(header.colors);
+  const std::size_t pixelSamples = header.alpha ? colors + 1 : colors;
   reader.samples.resize(static_cast<std::size_t>(reader.image.width) * pixelSamples);
   reader.bytes.resize(reader.samples.size() * 2);
 }

@@ -1,6 +1,8 @@
 // How output files come into being: complete, under their name, or not at all.
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include "support.h"
 
@@ -15,34 +17,77 @@ using Names = std::vector<std::string>;
 const Image kDot{1, 1, 8, GrayRamp(8)};
 constexpr const char* kDotFile = "P5\n1 1\n255\nA";
 
+constexpr Unfinished kWays[] = {Unfinished::Nameless, Unfinished::Named};
+
+// A sink that was begun, and what it said of temporary files: their names, "gone" when they were.
+struct Begun {
+  Begun(const std::string& path, Existing existing, Unfinished unfinished) {
+    WriteOptions options{Format::FromSuffix, existing};
+    options.unfinished = unfinished;
+    options.temporary = [this](const char* name, bool exists) { noted.push_back(exists ? name : "gone"); };
+    EXPECT_EQ(CreateImage(path, options, &sink).message, "");
+    EXPECT_EQ(sink.begin(kDot).message, "");
+  }
+  pipeline::Status End() const {
+    constexpr std::uint8_t kRow[] = {0x41};
+    EXPECT_EQ(sink.write(0, kRow).message, "");
+    return sink.end();
+  }
+  Names noted;
+  pipeline::RowSink sink;
+};
+
+bool HasNamelessFiles(const Folder& folder) {
+  const int file = ::open(folder.path.c_str(), O_RDWR | O_TMPFILE | O_CLOEXEC, 0600);
+  return file >= 0 && ::close(file) == 0;
+}
+
 TEST(Output, HasItsNameOnlyWhenItIsComplete) {
   const Folder folder;
-  pipeline::RowSink sink;
-  ASSERT_EQ(CreateImage(folder.Path("a.pgm"), {}, &sink).message, "");
-  ASSERT_EQ(sink.begin(kDot).message, "");
-  const std::uint8_t row[] = {0x41};
-  ASSERT_EQ(sink.write(0, row).message, "");
-  EXPECT_EQ(folder.Read("a.pgm"), "");
-  ASSERT_EQ(sink.end().message, "");
-  EXPECT_EQ(folder.Names(), Names{"a.pgm"});
-  EXPECT_EQ(folder.Read("a.pgm"), kDotFile);
+  for (const Unfinished way : kWays) {
+    const Begun output(folder.Path("a.pgm"), Existing::Refuse, way);
+    EXPECT_EQ(folder.Read("a.pgm"), "");
+    ASSERT_EQ(output.End().message, "");
+    EXPECT_EQ(folder.Read("a.pgm"), kDotFile);
+    EXPECT_EQ(folder.Names(), Names{"a.pgm"});
+    std::filesystem::remove(folder.path / "a.pgm");
+  }
 }
 
 TEST(Output, LeavesNothingWhenItDoesNotEnd) {
   const Folder folder;
   for (const char* name : {"a.png", "a.pgm"}) {
-    std::vector<std::string> noted;
-    WriteOptions options;
-    options.temporary = [&noted](const char* file) { noted.push_back(file == nullptr ? "gone" : file); };
     {
-      pipeline::RowSink sink;
-      ASSERT_EQ(CreateImage(folder.Path(name), options, &sink).message, "");
-      ASSERT_EQ(sink.begin(kDot).message, "");
-      ASSERT_EQ(noted.size(), 1U);
-      EXPECT_EQ(folder.Names(), Names{std::filesystem::path(noted[0]).filename()});
+      const Begun output(folder.Path(name), Existing::Refuse, Unfinished::Named);
+      ASSERT_EQ(output.noted.size(), 1U);
+      EXPECT_EQ(folder.Names(), Names{std::filesystem::path(output.noted[0]).filename()});
     }
     EXPECT_TRUE(folder.Names().empty());
-    EXPECT_EQ(noted.back(), "gone");
+  }
+}
+
+TEST(Output, IsNowhereToBeSeenWhereTheSystemCanHideIt) {
+  const Folder folder;
+  if (!HasNamelessFiles(folder)) GTEST_SKIP() << "no nameless files here";
+  {
+    const Begun output(folder.Path("a.pgm"), Existing::Refuse, Unfinished::Nameless);
+    EXPECT_TRUE(folder.Names().empty());
+  }
+  EXPECT_TRUE(folder.Names().empty());
+}
+
+// Whoever ends the program has to know all names that a file may have, and no name for longer.
+TEST(Output, TellsOfEveryTemporaryNameUntilItIsGone) {
+  const Folder folder;
+  for (const Unfinished way : kWays) {
+    folder.Write("a.pgm", "old");
+    const Begun output(folder.Path("a.pgm"), Existing::Replace, way);
+    ASSERT_EQ(output.End().message, "");
+    ASSERT_EQ(output.noted.size(), 2U);
+    EXPECT_TRUE(output.noted[0].starts_with(folder.Path(".r2r-"))) << output.noted[0];
+    EXPECT_EQ(output.noted[1], "gone");
+    EXPECT_EQ(folder.Names(), Names{"a.pgm"});
+    EXPECT_EQ(folder.Read("a.pgm"), kDotFile);
   }
 }
 
@@ -56,27 +101,42 @@ TEST(Output, KeepsAFileThatExists) {
 }
 
 TEST(Output, KeepsAFileThatAppearsMeanwhile) {
-  const Folder folder;
-  {
-    pipeline::RowSink sink;
-    ASSERT_EQ(CreateImage(folder.Path("a.pgm"), {}, &sink).message, "");
-    ASSERT_EQ(sink.begin(kDot).message, "");
-    folder.Write("a.pgm", "theirs");
-    EXPECT_EQ(sink.end().code, Code::Output);
+  for (const Unfinished way : kWays) {
+    const Folder folder;
+    {
+      const Begun output(folder.Path("a.pgm"), Existing::Refuse, way);
+      folder.Write("a.pgm", "theirs");
+      EXPECT_EQ(output.End().code, Code::Output);
+    }
+    EXPECT_EQ(folder.Read("a.pgm"), "theirs");
+    EXPECT_EQ(folder.Names(), Names{"a.pgm"});
   }
-  EXPECT_EQ(folder.Read("a.pgm"), "theirs");
-  EXPECT_EQ(folder.Names(), Names{"a.pgm"});
+}
+
+// A directory that came into being cannot be replaced by a file.
+TEST(Output, LeavesNothingWhenItCannotTakeItsName) {
+  for (const Unfinished way : kWays) {
+    const Folder folder;
+    {
+      const Begun output(folder.Path("a.pgm"), Existing::Replace, way);
+      std::filesystem::create_directory(folder.path / "a.pgm");
+      EXPECT_EQ(output.End().code, Code::Output);
+    }
+    EXPECT_EQ(folder.Names(), Names{"a.pgm"});
+  }
 }
 
 TEST(Output, ReplacesWhenToldToAndKeepsThePermissions) {
-  const Folder folder;
-  const std::string path = folder.Write("a.pgm", "old");
-  ASSERT_EQ(::chmod(path.c_str(), 0640), 0);
-  ASSERT_EQ(Save(path, {Format::FromSuffix, Existing::Replace, {}}, kDot, {"41"}).message, "");
-  EXPECT_EQ(folder.Read("a.pgm"), kDotFile);
-  struct stat about {};
-  ASSERT_EQ(::stat(path.c_str(), &about), 0);
-  EXPECT_EQ(about.st_mode & 0777, 0640U);
+  for (const Unfinished way : kWays) {
+    const Folder folder;
+    const std::string path = folder.Write("a.pgm", "old");
+    ASSERT_EQ(::chmod(path.c_str(), 0640), 0);
+    ASSERT_EQ(Begun(path, Existing::Replace, way).End().message, "");
+    EXPECT_EQ(folder.Read("a.pgm"), kDotFile);
+    struct stat about {};
+    ASSERT_EQ(::stat(path.c_str(), &about), 0);
+    EXPECT_EQ(about.st_mode & 0777, 0640U);
+  }
 }
 
 TEST(Output, ReplacesWhatALinkLeadsTo) {

@@ -1,6 +1,10 @@
-// Raw rows: the bytes of packed pixels and of planes, and who else refuses what only raw rows hold.
+// Raw rows and C arrays: the bytes of packed pixels and of planes, and who else refuses what only these hold.
 #include <gtest/gtest.h>
 
+#include <cctype>
+#include <cstdlib>
+
+#include "imageio/c_file.h"
 #include "support.h"
 
 namespace cvt::imageio::test {
@@ -37,7 +41,7 @@ const Case kCases[] = {
 TEST(WriteRaw, WritesTheRowsAndNothingElse) {
   const Folder folder;
   for (const Case& c : kCases) {
-    ASSERT_EQ(Save(folder.Path("a"), {Format::Raw, Existing::Replace, {}}, c.image, c.rows).message, "") << c.what;
+    ASSERT_EQ(Save(folder.Path("a"), {Format::Raw, Existing::Replace}, c.image, c.rows).message, "") << c.what;
     EXPECT_EQ(Hex(folder.Read("a")), c.file) << c.what;
   }
 }
@@ -48,9 +52,116 @@ TEST(WriteRaw, IsChosenBySuffix) {
   EXPECT_EQ(folder.Read("a.RAW"), "A");
 }
 
-TEST(WriteRaw, AloneTakesItsDepths) {
+constexpr const char* kSource = R"(/* 9 x 2 pixels, 1 bit a pixel.
+ *
+ * Rows from top to bottom, 2 bytes each. Bits behind the last pixel are 0.
+ * Packed, each pixel in 1 bit, the leftmost in the top bits of the first byte.
+ * A pixel is its place in my_logo_palette: 0 is white, 1 is black.
+ */
+#include <stdint.h>
+
+#define MY_LOGO_WIDTH 9
+#define MY_LOGO_HEIGHT 2
+#define MY_LOGO_BITS 1
+#define MY_LOGO_ROW_BYTES 2
+#define MY_LOGO_COLORS 2
+
+/* Red, green, blue. */
+const uint8_t my_logo_palette[][3] = {
+  {0xff, 0xff, 0xff},
+  {0x00, 0x00, 0x00},
+};
+
+const uint8_t my_logo[] = {
+  0xa5, 0x80,
+  0x00, 0x00,
+};
+)";
+
+TEST(WriteC, ExplainsItself) {
   const Folder folder;
-  for (const char* name : {"a.png", "a.ppm", "a.pnm", "a.pgm", "a.pbm"}) {
+  const Image image{9, 2, 1, Colors("ffffff 000000")};
+  ASSERT_EQ(Save(folder.Path("my-logo.c"), {}, image, {"a5ff", "007f"}).message, "");
+  EXPECT_EQ(folder.Read("my-logo.c"), kSource);
+}
+
+// What a compiler for microcontrollers would make of all arrays together is what raw output has.
+TEST(WriteC, CompilesToTheBytesOfRawRows) {
+  const Folder folder;
+  std::string driver = "#include <stdio.h>\n";
+  std::string dump = "int main(void) {\n";
+  std::string expected;
+  int number = 0;
+  for (const Case& c : kCases) {
+    const std::string file = "int" + std::to_string(8 << number++) + ".c";  // some of them names of their own
+    ASSERT_EQ(Save(folder.Path(file), {}, c.image, c.rows).message, "") << c.what;
+    const std::string name = CName(file);
+    std::string upper = name;
+    for (char& letter : upper) letter = static_cast<char>(std::toupper(letter));
+    driver += "#include \"" + file + "\"\n";
+    dump += "printf(\"%d %d %d %d \", " + upper + "_WIDTH, " + upper + "_HEIGHT, " + upper + "_BITS, " + upper +
+            "_ROW_BYTES);\nfwrite(" + name + ", 1, sizeof " + name + ", stdout);\n";
+    const std::string bytes = Bytes(c.file);
+    expected += std::to_string(c.image.width) + " " + std::to_string(c.image.height) + " " +
+                std::to_string(c.image.depth) + " " + std::to_string(bytes.size() / c.rows.size()) + " " + bytes;
+    if (c.image.palette.empty()) continue;
+    dump += "fwrite(" + name + "_palette, 3, " + upper + "_COLORS, stdout);\n";
+    expected += Bytes(Hex(c.image.palette));
+  }
+  const std::string source = folder.Write("driver", driver + dump + "return 0; }\n");
+  for (const char* language : {"c -std=c99", "c++ -std=c++11"}) {
+    const std::string build = std::string(CVTR2R_COMPILER " -Wall -Wextra -Wpedantic -Werror -x ") + language +
+                              " -o " + folder.Path("run") + " " + source;
+    ASSERT_EQ(std::system(build.c_str()), 0) << language;
+    ASSERT_EQ(std::system((folder.Path("run") + " >" + folder.Path("out")).c_str()), 0);
+    EXPECT_EQ(Hex(folder.Read("out")), Hex(expected)) << language;
+  }
+}
+
+struct Comment {
+  Image image;
+  const char* says;
+};
+
+const Comment kComments[] = {{{1, 1, 1, GrayRamp(1)}, "0 is black, 1 is white."},
+                             {{1, 1, 1, Colors("ff0000 000080")}, "0 is #ff0000, 1 is #000080."},
+                             {{1, 1, 3, GrayRamp(3)}, "3 bits a pixel"},
+                             {{1, 1, 3, GrayRamp(3)}, "each pixel in 4 bits"},
+                             {{1, 1, 5, GrayRamp(5)}, "one byte a pixel"},
+                             {{9, 1, 3, GrayRamp(3), Layout::Planes}, "Planes of 2 bytes, one for each bit"},
+                             {{1, 1, 16}, "red in bits 14 to 10"},
+                             {{1, 1, 24}, "red, green, blue."},
+                             {{1, 1, 32}, "blue, green, red, 0."}};
+
+TEST(WriteC, TellsWhatTheBytesMean) {
+  const Folder folder;
+  for (const Comment& c : kComments) {
+    ASSERT_EQ(Save(folder.Path("a.c"), {Format::C, Existing::Replace}, c.image, {"00000000"}).message, "");
+    const std::string source = folder.Read("a.c");
+    EXPECT_NE(source.find(c.says), std::string::npos) << c.says << " is not in:\n" << source;
+  }
+}
+
+TEST(WriteC, MakesIdentifiersOfFileNames) {
+  const char* const kNames[][2] = {{"-", "image"},
+                                   {"logo.c", "logo"},
+                                   {"dir.d/Logo2.c", "Logo2"},
+                                   {"my logo-v1.2.c", "my_logo_v1_2"},
+                                   {"7seg.c", "image_7seg"},
+                                   {"_x.c", "image_x"},
+                                   {".c", "image"},
+                                   {"int.c", "image_int"},
+                                   {"class.c", "image_class"},
+                                   {"a__b.c", "a_b"},
+                                   {"xor.C", "image_xor"},
+                                   {"x*/y.c", "y"},
+                                   {"\xc3\xa4rmel.c", "image_rmel"}};
+  for (const auto& [path, name] : kNames) EXPECT_EQ(CName(path), name) << path;
+}
+
+TEST(WriteRaw, AndCAloneTakeItsDepths) {
+  const Folder folder;
+  for (const char* name : {"a.png", "a.ppm", "a.pnm", "a.pgm", "a.pbm", "a.pam"}) {
     for (const int depth : {15, 16, 32}) {
       EXPECT_EQ(Save(folder.Path(name), {}, {1, 1, depth}, {"00000000"}).code, Code::Usage) << name << depth;
     }

@@ -113,7 +113,23 @@ const PnmCase kPnmCases[] = {
     {"colour of 16 bits", "P6 1 1 65535\n" + Bytes("0080 0081 ffff"), 24, kDirect, {"0001ff"}},
     {"a note before the data", "P5 1 1 # one\n255# two\nA", 8, kRamp8, {"41"}},
     {"data that looks like a note", "P5 2 1 255\n# ", 8, kRamp8, {"2320"}},
-    {"notes between plain samples", "P2 2 1 255 1 # 9 9\n2", 8, kRamp8, {"0102"}}};
+    {"notes between plain samples", "P2 2 1 255 1 # 9 9\n2", 8, kRamp8, {"0102"}},
+    {"PAM of bits, 1 is white", Pam(3, 1, 1, "BLACKANDWHITE", "010001"), 1, kRamp1, {"a0"}},
+    {"PAM of two bits", Pam(3, 1, 3, "GRAYSCALE", "000103"), 2, kRamp2, {"1c"}},
+    {"PAM to 1000 is rounded", Pam(2, 1, 1000, "GRAYSCALE", "01f4 03e8"), 8, kRamp8, {"80ff"}},
+    {"PAM of colours", Pam(2, 3, 255, "RGB", "010203 040506"), 24, kDirect, {"010203040506"}},
+    {"PAM of colours to 31", Pam(1, 3, 31, "RGB", "00101f"), 24, kDirect, {"0084ff"}},
+    {"PAM of three samples that nobody knows", Pam(1, 3, 255, "CIELAB", "010203"), 24, kDirect, {"010203"}},
+    {"PAM without a type, in another order",
+     "P7\n# a note\nMAXVAL 255\r\n\nDEPTH 1\n  HEIGHT\t2\nWIDTH 1 \nENDHDR\n" + Bytes("230a"),
+     8,
+     kRamp8,
+     {"23", "0a"}},
+    {"PAM with a type of two lines",
+     "P7\nWIDTH 1\nHEIGHT 1\nDEPTH 1\nMAXVAL 3\nTUPLTYPE RGB\nTUPLTYPE too\nENDHDR\n\2",
+     2,
+     kRamp2,
+     {"80"}}};
 
 TEST(ReadPnm, DeliversSmallRampsAsTheyAreAndScalesTheRest) {
   const Folder folder;
@@ -125,6 +141,38 @@ TEST(ReadPnm, DeliversSmallRampsAsTheyAreAndScalesTheRest) {
       EXPECT_EQ(Named(loaded), c.palette) << c.what;
     }
     EXPECT_EQ(loaded.rows, c.rows) << c.what;
+  }
+}
+
+struct PamCase {
+  const char* what;
+  std::string file;
+  IRGB background;
+  int depth;
+  const char* palette;
+  const char* row;
+};
+
+const PamCase kPamCases[] = {
+    {"gray", Pam(3, 2, 255, "GRAYSCALE_ALPHA", "00ff 0000 6433"), kWhite, 8, kRamp8, "00ffe0"},
+    {"two thirds of white, a third of it opaque", Pam(1, 2, 15, "GRAYSCALE_ALPHA", "0a05"), kWhite, 8, kRamp8,
+     "e3"},
+    {"bits over red", Pam(3, 2, 1, "BLACKANDWHITE_ALPHA", "0001 0100 0101"), kRed, 24, kDirect,
+     "000000ff0000ffffff"},
+    {"colour", Pam(2, 4, 255, "RGB_ALPHA", "0a141e80 010203ff"), kWhite, 24, kDirect, "84898e010203"},
+    {"colour to 1000", Pam(1, 4, 1000, "RGB_ALPHA", "01f4 0000 03e8 00fa"), kWhite, 24, kDirect, "dfbfff"},
+    {"colour of 16 bits", Pam(1, 4, 65535, "", "ffff 0000 0000 8000"), kWhite, 24, kDirect, "ff7f7f"}};
+
+TEST(ReadPam, LaysTransparentPixelsOnTheBackground) {
+  const Folder folder;
+  for (const PamCase& c : kPamCases) {
+    ReadOptions options;
+    options.background = c.background;
+    const Loaded loaded = Load(folder.Write("a", c.file), options);
+    ASSERT_EQ(loaded.status.message, "") << c.what;
+    EXPECT_EQ(loaded.image.depth, c.depth) << c.what;
+    EXPECT_EQ(Named(loaded), c.palette) << c.what;
+    EXPECT_EQ(loaded.rows, std::vector<std::string>{c.row}) << c.what;
   }
 }
 

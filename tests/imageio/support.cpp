@@ -27,6 +27,7 @@ Folder::Folder() {
 Folder::~Folder() { std::filesystem::remove_all(path); }
 
 std::string Folder::Write(const std::string& name, const std::string& bytes) const {
+  std::filesystem::remove(path / name);  // writing over what is there waits for the disk
   std::ofstream(path / name, std::ios::binary) << bytes;
   return Path(name);
 }
@@ -89,6 +90,11 @@ std::string Png(const PngParts& parts) {
                              static_cast<char>(parts.interlace);
   return Bytes("89504e470d0a1a0a") + Chunk("IHDR", header) + parts.chunks + Chunk("IDAT", packed) +
          Chunk("IEND", "");
+}
+
+std::string Pam(int width, int depth, int largest, const std::string& type, std::string_view samples) {
+  return "P7\nWIDTH " + std::to_string(width) + "\nHEIGHT 1\nDEPTH " + std::to_string(depth) + "\nMAXVAL " +
+         std::to_string(largest) + "\nTUPLTYPE " + type + "\nENDHDR\n" + Bytes(samples);
 }
 
 Loaded Load(const std::string& path, const ReadOptions& options) {

@@ -40,6 +40,9 @@ struct PngParts {
 };
 std::string Png(const PngParts& parts);
 
+/// A PAM of one row with these samples, in hexadecimal digits.
+std::string Pam(int width, int depth, int largest, const std::string& type, std::string_view samples);
+
 /// An image read to its end, or as far as it went.
 struct Loaded {
   pipeline::Status status;

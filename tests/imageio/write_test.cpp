@@ -25,7 +25,7 @@ struct PnmCase {
   const std::vector<IRGB>* palette;
   const char* row;
   Format format;
-  const char* header;
+  std::string header;
   const char* data;
 };
 
@@ -40,12 +40,18 @@ const PnmCase kPnmCases[] = {
     {"direct colours", 2, 24, &kDirect, "010203040506", Format::Ppm, "P6\n2 1\n255\n", "010203040506"},
     {"smallest of bits", 8, 1, &kPaperFirst, "a5", Format::Pnm, "P4\n8 1\n", "a5"},
     {"smallest of grays", 1, 8, &kRamp[8], "41", Format::Pnm, "P5\n1 1\n255\n", "41"},
-    {"smallest of colours", 1, 2, &kFlag, "80", Format::Pnm, "P6\n1 1\n255\n", "0000ff"}};
+    {"smallest of colours", 1, 2, &kFlag, "80", Format::Pnm, "P6\n1 1\n255\n", "0000ff"},
+    {"PAM of bits, white is 1", 3, 1, &kInkFirst, "bf", Format::Pam, Pam(3, 1, 1, "BLACKANDWHITE", ""), "010001"},
+    {"PAM of bits, white first", 3, 1, &kPaperFirst, "bf", Format::Pam, Pam(3, 1, 1, "BLACKANDWHITE", ""),
+     "000100"},
+    {"PAM of a ramp", 3, 2, &kRamp[2], "18", Format::Pam, Pam(3, 1, 3, "GRAYSCALE", ""), "000102"},
+    {"PAM of other grays", 3, 2, &kThreeGrays, "18", Format::Pam, Pam(3, 1, 255, "GRAYSCALE", ""), "800aff"},
+    {"PAM of colours", 3, 2, &kFlag, "18", Format::Pam, Pam(3, 3, 255, "RGB", ""), "ff0000ffffff0000ff"}};
 
 TEST(WritePnm, WritesExactlyTheseBytes) {
   const Folder folder;
   for (const PnmCase& c : kPnmCases) {
-    const WriteOptions options{c.format, Existing::Replace, {}};
+    const WriteOptions options{c.format, Existing::Replace};
     const Image image{c.width, 1, c.depth, *c.palette};
     ASSERT_EQ(Save(folder.Path("a"), options, image, {c.row}).message, "") << c.what;
     EXPECT_EQ(Hex(folder.Read("a")), Hex(c.header) + c.data) << c.what;
@@ -99,7 +105,7 @@ std::string ChunkNames(const std::string& png) {
 TEST(WritePng, KeepsDepthPaletteAndPixels) {
   const Folder folder;
   for (const PngCase& c : kPngCases) {
-    const WriteOptions options{Format::Png, Existing::Replace, {}};
+    const WriteOptions options{Format::Png, Existing::Replace};
     const Image image{c.width, 1, c.depth, *c.palette};
     ASSERT_EQ(Save(folder.Path("a"), options, image, {c.row}).message, "") << c.what;
     const std::string file = folder.Read("a");
@@ -109,6 +115,33 @@ TEST(WritePng, KeepsDepthPaletteAndPixels) {
     const Loaded loaded = Load(folder.Path("a"));
     EXPECT_EQ(loaded.rows, std::vector<std::string>{c.row}) << c.what;
     EXPECT_EQ(Hex(loaded.image.palette), Hex(*c.palette)) << c.what;
+  }
+}
+
+struct Dots {
+  const char* what;
+  const char* stored;  // in a pHYs chunk, empty: there is none
+  double x, y;         // dots an inch, 0: not known
+};
+
+const Dots kDots[] = {{"no resolution", "", 0, 0},
+                      {"300 and 100 dpi", "00002e23 00000f61 01", 299.9994, 99.9998},
+                      {"one a metre", "00000001 00000001 01", 0.0254, 0.0254},
+                      {"as many as can be", "7fffffff 7ffffffe 01", 54546084.6338, 54546084.6084},
+                      {"a shape, not a size", "00002e23 00002e23 00", 0, 0},
+                      {"none across", "00000000 00002e23 01", 0, 299.9994}};
+
+TEST(RoundTrip, APngKeepsItsPixelsAMetreExactly) {
+  const Folder folder;
+  for (const Dots& c : kDots) {
+    const std::string chunk = *c.stored == 0 ? "" : Chunk("pHYs", Bytes(c.stored));
+    const Image image = Load(folder.Write("a", Png({1, 1, 8, 0, chunk, Bytes("0041")}))).image;
+    EXPECT_NEAR(image.resolution.x, c.x, 1e-6) << c.what;
+    EXPECT_NEAR(image.resolution.y, c.y, 1e-6) << c.what;
+    ASSERT_EQ(Save(folder.Path("b"), {Format::Png, Existing::Replace}, image, {"41"}).message, "") << c.what;
+    const bool told = c.x != 0 && c.y != 0;
+    EXPECT_EQ(ChunkNames(folder.Read("b")), told ? "IHDRpHYsIDATIEND" : "IHDRIDATIEND") << c.what;
+    EXPECT_EQ(told, told && folder.Read("b").find(chunk) != std::string::npos) << c.what;
   }
 }
 
@@ -123,7 +156,7 @@ TEST(WritePng, BitsPastTheWidthDoNotChangeTheFile) {
 TEST(RoundTrip, EveryDepthAndWidthComesBack) {
   const Folder folder;
   for (const int depth : {1, 2, 4, 8}) {
-    for (int width = 1; width <= 17; ++width) {
+    for (const int width : {1, 3, 4, 5, 7, 8, 9, 17}) {
       const Image image{width, 3, depth, GrayRamp(depth)};
       std::vector<std::string> rows;
       for (int y = 0; y < 3; ++y) {
@@ -135,8 +168,8 @@ TEST(RoundTrip, EveryDepthAndWidthComesBack) {
         }
         rows.push_back(Hex(row));
       }
-      for (const Format format : {Format::Png, Format::Pgm, Format::Pnm}) {
-        ASSERT_EQ(Save(folder.Path("a"), {format, Existing::Replace, {}}, image, rows).message, "");
+      for (const Format format : {Format::Png, Format::Pgm, Format::Pnm, Format::Pam}) {
+        ASSERT_EQ(Save(folder.Path("a"), {format, Existing::Replace}, image, rows).message, "");
         const Loaded loaded = Load(folder.Path("a"));
         EXPECT_EQ(loaded.image.depth, depth) << width;
         EXPECT_EQ(loaded.rows, rows) << depth << " bits, width " << width;
