@@ -51,7 +51,10 @@ void AddOption(CLI::App& app, const OptionRow& row, Arguments* arguments) {
   if (const auto* flag = std::get_if<Switch>(&row.kind)) {
     option = app.add_flag(row.name, arguments->*flag->target, row.help)->disable_flag_override();
   } else {
-    const auto set = [&row, arguments](const std::string& word) { SetOption(row, word, arguments); };
+    const auto set = [&row, arguments](const std::string& word) {
+      SetOption(row, word, arguments);
+      arguments->given.push_back({row.name, word});
+    };
     const auto* choice = std::get_if<Choice>(&row.kind);
     option = app.add_option_function<std::string>(row.name, set, row.help)
                  ->type_name(choice != nullptr ? Joined(choice->words) : row.value);

@@ -4,7 +4,9 @@
 #include <string>
 
 #include "app/chart_command.h"
+#include "app/contact_sheet.h"
 #include "app/convert_command.h"
+#include "app/info_command.h"
 #include "app/list_command.h"
 #include "app/verify_command.h"
 
@@ -23,6 +25,15 @@ constexpr Command kCommands[] = {
      kAnyNumber,
      RunConvert,
      Command::kAllOptions},
+    {"contact-sheet",
+     "Show every method on one image, with the command line of each",
+     {"r2r contact-sheet [OPTIONS] INPUT OUTPUT"},
+     "an image file, and the .png picture or .html page to write",
+     2,
+     2,
+     RunContactSheet,
+     " --crop --size --reduce --enlarge --background --gamma --palette --force --page --max-pixels --max-memory "
+     "-q "},
     {"chart",
      "Write the test chart",
      {"r2r chart [OPTIONS] OUTPUT"},
@@ -39,6 +50,14 @@ constexpr Command kCommands[] = {
      1,
      RunList,
      ""},
+    {"info",
+     "Tell format, size, depth, layout, palette and resolution of images",
+     {"r2r info [OPTIONS] FILE..."},
+     "images: PNG, TIFF, JPEG, PBM, PGM, PPM, PAM; \"-\" is standard input",
+     1,
+     kAnyNumber,
+     RunInfo,
+     " --max-pixels --max-memory --page "},
     {"verify",
      "Recompute the built-in reference results on this machine",
      {"r2r verify [OPTIONS]"},

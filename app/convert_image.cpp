@@ -101,11 +101,8 @@ Outcome OpenConversion(const Arguments& arguments, const Wishes& wishes, const F
   return ReadOverlay(arguments, files, {settings.width, settings.height}, &settings.overlay);
 }
 
-Outcome ConvertImage(const Arguments& arguments, const Wishes& wishes, const Files& files, Messages messages,
-                     Made* made) {
-  Format format{};
-  Status status = imageio::ChooseFormat(files.output, WishedFormat(arguments), &format);
-  if (pipeline::Failed(status)) return {status, OutputName(files)};
+Outcome ConvertInto(const Arguments& arguments, const Wishes& wishes, const Files& files, Format format,
+                    const CreateRows& create, Messages messages, Made* made) {
   RowSource source;
   Chosen chosen;
   Outcome outcome = OpenConversion(arguments, wishes, files, format, &source, &chosen);
@@ -113,12 +110,21 @@ Outcome ConvertImage(const Arguments& arguments, const Wishes& wishes, const Fil
   made->fromWidth = source.image.width;
   made->fromHeight = source.image.height;
   RowSink sink;
-  if (outcome = CreateSink(arguments, files, &sink); Failed(outcome)) return outcome;
+  if (outcome = create(&sink); Failed(outcome)) return outcome;
   Settings& settings = chosen.settings;
   if (chosen.adaptive) outcome = Fit(arguments, files, &source, &settings);
   if (!Failed(outcome)) outcome = Explain(arguments, files, source, settings);
   if (Failed(outcome)) return outcome;
   return Convert(files, source, settings, Arranged(std::move(sink), settings, format, made), messages, made);
+}
+
+Outcome ConvertImage(const Arguments& arguments, const Wishes& wishes, const Files& files, Messages messages,
+                     Made* made) {
+  Format format{};
+  Status status = imageio::ChooseFormat(files.output, WishedFormat(arguments), &format);
+  if (pipeline::Failed(status)) return {status, OutputName(files)};
+  const auto create = [&arguments, &files](RowSink* sink) { return CreateSink(arguments, files, sink); };
+  return ConvertInto(arguments, wishes, files, format, create, messages, made);
 }
 
 }  // namespace cvt::app

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 
 #include "app/choose.h"
@@ -25,7 +26,14 @@ enum class Messages : std::uint8_t { Quiet, Progress };
 Outcome OpenConversion(const Arguments& arguments, const Wishes& wishes, const Files& files,
                        imageio::Format format, pipeline::RowSource* source, Chosen* chosen);
 
-/// Converts one image; `made` is complete when that went well.
+/// Opens what the rows go into, once everything before it went well.
+using CreateRows = std::function<Outcome(pipeline::RowSink* sink)>;
+
+/// Converts one image into rows as they are written in `format`; `made` is complete when that went well.
+Outcome ConvertInto(const Arguments& arguments, const Wishes& wishes, const Files& files, imageio::Format format,
+                    const CreateRows& create, Messages messages, Made* made);
+
+/// The same, into the output file.
 Outcome ConvertImage(const Arguments& arguments, const Wishes& wishes, const Files& files, Messages messages,
                      Made* made);
 

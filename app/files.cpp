@@ -14,12 +14,17 @@ imageio::Format WishedFormat(const Arguments& arguments) {
   return arguments.format ? static_cast<imageio::Format>(*arguments.format) : imageio::Format::FromSuffix;
 }
 
-Outcome OpenSource(const Arguments& arguments, const std::string& path, pipeline::RowSource* source) {
+imageio::ReadOptions ReadingOptions(const Arguments& arguments) {
   imageio::ReadOptions options;
   if (arguments.background) options.background = *arguments.background;
   if (arguments.maxPixels) options.maxPixels = *arguments.maxPixels;
   if (arguments.maxMemory) options.maxBufferBytes = *arguments.maxMemory << 20;
-  return {imageio::OpenImage(path, options, source), SourceName(path)};
+  if (arguments.page) options.page = static_cast<std::int32_t>(*arguments.page);
+  return options;
+}
+
+Outcome OpenSource(const Arguments& arguments, const std::string& path, pipeline::RowSource* source) {
+  return {imageio::OpenImage(path, ReadingOptions(arguments), source), SourceName(path)};
 }
 
 Outcome CreateSink(const Arguments& arguments, const Files& files, pipeline::RowSink* sink) {

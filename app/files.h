@@ -20,7 +20,10 @@ std::string OutputName(const Files& files);
 /// --format, Format::FromSuffix when it is not given.
 imageio::Format WishedFormat(const Arguments& arguments);
 
-/// Opens an image as the options say that images are read; "-" is standard input.
+/// How the options say that images are read.
+imageio::ReadOptions ReadingOptions(const Arguments& arguments);
+
+/// Opens an image so; "-" is standard input.
 Outcome OpenSource(const Arguments& arguments, const std::string& path, pipeline::RowSource* source);
 
 Outcome CreateSink(const Arguments& arguments, const Files& files, pipeline::RowSink* sink);

@@ -12,9 +12,15 @@
 
 namespace cvt::app {
 
+/// An option and its value as the user spelled them.
+struct GivenOption {
+  std::string name, value;
+};
+
 /// What the user asked for. An option that was not given is empty or false.
 struct Arguments {
   std::vector<std::string> operands;
+  std::vector<GivenOption> given;  // those with values, in their order
   std::optional<pipeline::Crop> crop;
   std::optional<SizeWish> size;
   std::optional<std::int64_t> depth, threshold, maxPixels, maxMemory, page, jobs;

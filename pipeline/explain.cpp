@@ -57,10 +57,14 @@ const char* DepthStep(const Stage& stage, const LinkSeen& before, const LinkSeen
   return stage.halftoneMethod == kNearest ? "nearest colour" : "ordered dither";
 }
 
-// What turned the band of one link into the band of the next.
-const char* StepName(const Stage& stage, const LinkSeen& before, const LinkSeen& after) {
-  if (before.width == after.width && before.height == after.height) return DepthStep(stage, before, after);
-  return stage.crop.width > 0 ? "clip" : ScalingStep(stage, before, after);
+// What turned the band of link `i` - 1 into that of link `i`. Only the last step can leave the size as it is and
+// change pixels; behind a clip, the scalers move what was cut out to column and line 0.
+const char* StepName(const Worker& worker, std::size_t i) {
+  const LinkSeen &before = worker.links[i - 1], &after = worker.links[i];
+  const bool sameSize = before.width == after.width && before.height == after.height;
+  if (sameSize && i + 1 < worker.links.size()) return "move to the origin";
+  if (sameSize) return DepthStep(worker.stage, before, after);
+  return worker.stage.crop.width > 0 ? "clip" : ScalingStep(worker.stage, before, after);
 }
 
 std::int32_t BandsOf(const Stage& stage) {
@@ -73,10 +77,15 @@ void Tell(const Worker& worker, std::vector<std::string>* lines) {
   for (std::size_t i = 0; i < worker.links.size(); ++i) {
     const LinkSeen& link = worker.links[i];
     const bool first = i == 0;
-    const std::string what = first ? std::string("source: ") + IntakeNote(worker.stage.entry)
-                                   : std::string(StepName(worker.stage, worker.links[i - 1], link)) + ": ";
+    const std::string what =
+        first ? std::string("source: ") + IntakeNote(worker.stage.entry) : std::string(StepName(worker, i)) + ": ";
     lines->push_back(what + Size(link.width, link.height) + ", " + Pixels(link) + ", " +
                      Bands(link, first ? BandsOf(worker.stage) : link.bands) + (first ? "" : " from one band"));
+  }
+  const Overlay& overlay = worker.stage.overlay;
+  if (overlay.image.width > 0) {
+    lines->push_back("overlay: " + Size(overlay.image.width, overlay.image.height) + " at " +
+                     std::to_string(overlay.x) + ", " + std::to_string(overlay.y));
   }
   lines->push_back("next stage: " + Many(worker.stage.output.height, "row") + " of " +
                    Many(static_cast<std::int32_t>(RowBytes(worker.stage.output)), "byte"));

@@ -92,9 +92,25 @@ TEST(Convert, ExplainsOnStandardErrorAndConverts) {
   place.Write("in", kGrays);
   const Ended ended = place.Convert("--explain --depth 2 in o.pgm");
   EXPECT_EQ(ended.status, 0) << ended.err;
-  EXPECT_NE(ended.err, "");
   EXPECT_EQ(ended.out, "");
   EXPECT_EQ(place.Read("o.pgm"), "P5\n4 1\n3\n\x00\x01\x02\x03"s);
+  place.Write("page", "P4\n80 60\n" + std::string(600, '\x5a'));
+  place.Write("dot", "P1 2 3 101010");
+  const Ended chain =
+      place.Convert("--explain --crop 64x48+8+6 --size 32x24 --overlay dot+1+2 page - --format pbm");
+  EXPECT_EQ(chain.err,
+            "source: 80 x 60, 1 bit packed, 1 band of up to 60 lines, 600 bytes\n"
+            "clip: 64 x 48, 1 bit packed, 1 band of up to 48 lines, 384 bytes from one band\n"
+            "move to the origin: 64 x 48, 1 bit packed, 1 band of up to 48 lines, 384 bytes from one band\n"
+            "move to the origin: 64 x 48, 1 bit packed, 1 band of up to 48 lines, 384 bytes from one band\n"
+            "relabelling: 64 x 48, 1 plane, 1 band of up to 48 lines, 384 bytes from one band\n"
+            "next stage: 48 rows of 8 bytes\n"
+            "source: 64 x 48, 1 bit packed, 1 band of up to 48 lines, 384 bytes\n"
+            "reduce width: 32 x 48, 1 bit packed, 1 band of up to 48 lines, 192 bytes from one band\n"
+            "reduce height: 32 x 24, 1 bit packed, 1 band of up to 24 lines, 96 bytes from one band\n"
+            "relabelling: 32 x 24, 1 plane, 1 band of up to 24 lines, 96 bytes from one band\n"
+            "overlay: 2 x 3 at 1, 2\n"
+            "next stage: 24 rows of 4 bytes\n");
 }
 
 TEST(Convert, ReplacesItsOwnInputWithForce) {

@@ -265,5 +265,15 @@ TEST(Smooth, AveragesTheColorsOfPalettesNotTheirIndices) {
   }
 }
 
+TEST(Resolution, KeepsTheSizeOnPaper) {
+  Image image{100, 40, 8, GrayRamp(8)};
+  image.resolution = {300, 150};
+  Settings settings{.depth = 1, .palette = GrayRamp(1), .crop = {10, 0, 50, 40}, .width = 100, .height = 20};
+  settings.palette = {{0, 0, 255}, {255, 255, 255}};  // through two bits, by a sink between
+  const Resolution written = Convert(NoisePicture(image, 1), settings).image.resolution;
+  EXPECT_EQ(written.x, 600);
+  EXPECT_EQ(written.y, 75);
+}
+
 }  // namespace
 }  // namespace cvt::test
