@@ -39,6 +39,10 @@ std::string ColorText(IRGB color) {
   return text;
 }
 
+std::string Counted(std::size_t count, const char* what) {
+  return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
+}
+
 std::string PackedText(std::int32_t depth) {
   if (depth == 32) return "Packed, four bytes a pixel: blue, green, red, 0.";
   if (depth == 24) return "Packed, three bytes a pixel: red, green, blue.";
@@ -48,14 +52,14 @@ std::string PackedText(std::int32_t depth) {
   }
   const std::int32_t bits = pipeline::StoredBits(depth);
   if (bits == 8) return "Packed, one byte a pixel.";
-  return "Packed, each pixel in " + std::to_string(bits) + (bits == 1 ? " bit" : " bits") +
+  return "Packed, each pixel in " + Counted(static_cast<std::size_t>(bits), "bit") +
          ", the leftmost in the top bits of the first byte.";
 }
 
 std::string LayoutText(const Image& image) {
   if (image.layout == Layout::Packed) return PackedText(image.depth);
-  return "Planes of " + std::to_string(pipeline::PlaneRowBytes(image.width)) +
-         " bytes, one for each bit of a pixel: in each row first the plane of the lowest\n"
+  return "Planes of " + Counted(pipeline::PlaneRowBytes(image.width), "byte") +
+         ", one for each bit of a pixel: in each row first the plane of the lowest\n"
          " * bits, last that of the highest. The leftmost pixel is in the top bit of the first byte.";
 }
 
@@ -76,10 +80,9 @@ std::string ValuesText(const CWriter& writer) {
 std::string CommentText(const CWriter& writer) {
   const Image& image = writer.image;
   return "/* " + std::to_string(image.width) + " x " + std::to_string(image.height) + " pixels, " +
-         std::to_string(image.depth) + (image.depth == 1 ? " bit" : " bits") +
-         " a pixel.\n *\n * Rows from top to bottom, " + std::to_string(pipeline::RowBytes(image)) +
-         " bytes each. Bits behind the last pixel are 0.\n * " + LayoutText(image) + "\n" + ValuesText(writer) +
-         " */\n";
+         Counted(static_cast<std::size_t>(image.depth), "bit") + " a pixel.\n *\n * Rows from top to bottom, " +
+         Counted(pipeline::RowBytes(image), "byte") + " each. Bits behind the last pixel are 0.\n * " +
+         LayoutText(image) + "\n" + ValuesText(writer) + " */\n";
 }
 
 std::string ConstantsText(const CWriter& writer) {

@@ -1,9 +1,9 @@
 // An output that appears complete or not at all.
 //
 // Bytes go to a file without a name in the target's directory, which takes the target's name when all is
-// written and on the disk: not even a killed program or a power cut leaves part of one. Where a system has no
-// nameless files a temporary file with a name stands in. Standard output, character devices and pipes have
-// no name to take: they are written directly.
+// written: not even a killed program leaves part of one. Where a system has no nameless files a temporary file
+// with a name stands in. Standard output, character devices and pipes have no name to take: they are written
+// directly.
 #pragma once
 
 #include <cstdint>

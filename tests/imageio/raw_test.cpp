@@ -85,6 +85,23 @@ TEST(WriteC, ExplainsItself) {
   EXPECT_EQ(folder.Read("my-logo.c"), kSource);
 }
 
+// Statements of C that print sizes, pixels and palette of an array.
+std::string DumpText(const std::string& name, const Image& image) {
+  std::string upper = name;
+  for (char& letter : upper) letter = static_cast<char>(std::toupper(letter));
+  const std::string sizes = upper + "_WIDTH, " + upper + "_HEIGHT, " + upper + "_BITS, " + upper + "_ROW_BYTES";
+  const std::string pixels = "fwrite(" + name + ", 1, sizeof " + name + ", stdout);\n";
+  const std::string colors = "fwrite(" + name + "_palette, 3, " + upper + "_COLORS, stdout);\n";
+  return "printf(\"%d %d %d %d \", " + sizes + ");\n" + pixels + (image.palette.empty() ? "" : colors);
+}
+
+std::string Dump(const Case& c) {
+  const std::string bytes = Bytes(c.file);
+  return std::to_string(c.image.width) + " " + std::to_string(c.image.height) + " " +
+         std::to_string(c.image.depth) + " " + std::to_string(bytes.size() / c.rows.size()) + " " + bytes +
+         Bytes(Hex(c.image.palette));
+}
+
 // What a compiler for microcontrollers would make of all arrays together is what raw output has.
 TEST(WriteC, CompilesToTheBytesOfRawRows) {
   const Folder folder;
@@ -95,18 +112,9 @@ TEST(WriteC, CompilesToTheBytesOfRawRows) {
   for (const Case& c : kCases) {
     const std::string file = "int" + std::to_string(8 << number++) + ".c";  // some of them names of their own
     ASSERT_EQ(Save(folder.Path(file), {}, c.image, c.rows).message, "") << c.what;
-    const std::string name = CName(file);
-    std::string upper = name;
-    for (char& letter : upper) letter = static_cast<char>(std::toupper(letter));
     driver += "#include \"" + file + "\"\n";
-    dump += "printf(\"%d %d %d %d \", " + upper + "_WIDTH, " + upper + "_HEIGHT, " + upper + "_BITS, " + upper +
-            "_ROW_BYTES);\nfwrite(" + name + ", 1, sizeof " + name + ", stdout);\n";
-    const std::string bytes = Bytes(c.file);
-    expected += std::to_string(c.image.width) + " " + std::to_string(c.image.height) + " " +
-                std::to_string(c.image.depth) + " " + std::to_string(bytes.size() / c.rows.size()) + " " + bytes;
-    if (c.image.palette.empty()) continue;
-    dump += "fwrite(" + name + "_palette, 3, " + upper + "_COLORS, stdout);\n";
-    expected += Bytes(Hex(c.image.palette));
+    dump += DumpText(CName(file), c.image);
+    expected += Dump(c);
   }
   const std::string source = folder.Write("driver", driver + dump + "return 0; }\n");
   for (const char* language : {"c -std=c99", "c++ -std=c++11"}) {
