@@ -4,6 +4,8 @@
 
 #include <unistd.h>
 
+#include <algorithm>
+#include <cctype>
 #include <cstdio>
 #include <filesystem>
 #include <nlohmann/json.hpp>
@@ -30,6 +32,7 @@ namespace {
 using TemporaryFile = std::unique_ptr<std::FILE, decltype(&std::fclose)>;
 
 constexpr std::int64_t kBytesPerPixel = 4;  // of the sheet, and of the picture that is drawn on it
+constexpr std::int64_t kBelow = 128;        // rows that stand below a picture, headings included
 constexpr std::int64_t kDefaultMebibytes = 256;
 
 Outcome CheckFiles(const Files& files) {
@@ -44,7 +47,7 @@ Outcome CheckFiles(const Files& files) {
 // Whether people can read, and copy, what a caption shows.
 bool IsText(const std::string& word) {
   for (const char c : word) {
-    if ((c >= 0 && c < ' ') || c == 0x7f) return false;
+    if (std::iscntrl(static_cast<unsigned char>(c)) != 0) return false;
   }
   try {
     static_cast<void>(nlohmann::json(word).dump());
@@ -62,7 +65,7 @@ Outcome CheckSheet(const Arguments& arguments, Extent picture, Sheet& sheet) {
     }
   }
   const std::int64_t most = arguments.maxMemory.value_or(kDefaultMebibytes);
-  const std::int64_t pixels = std::int64_t{picture.width} * picture.height;
+  const std::int64_t pixels = std::int64_t{std::max(kNarrowest, picture.width)} * (picture.height + kBelow);
   const std::int64_t needed = (pixels * kBytesPerPixel * static_cast<std::int64_t>(cells.size()) >> 20) + 1;
   if (needed <= most) return Done();
   return {Fail(Code::Limit, std::to_string(cells.size()) + " pictures of this size take " +

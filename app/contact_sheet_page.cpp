@@ -8,12 +8,10 @@ namespace cvt::app {
 
 namespace {
 
-constexpr std::int32_t kNarrowest = 300;  // of what stands below a picture
-
 // Pictures keep their pixels: no scaling, and where a screen has more pixels than the page, no blur.
 constexpr std::string_view kStyle =
     "*{box-sizing:border-box}\n"
-    "body{margin:0;padding:40px;background:#f4f4f1;color:#1b1b1b;font:15px/1.5 system-ui,sans-serif}\n"
+    "body{margin:0 auto;padding:40px;background:#f4f4f1;color:#1b1b1b;font:15px/1.5 system-ui,sans-serif}\n"
     "header,.row{display:flex;flex-wrap:wrap;gap:36px 28px}\n"
     "header div{flex:1;min-width:300px;max-width:44em}\n"
     "h1{margin:0 0 12px;font-size:40px;line-height:1.15;overflow-wrap:anywhere}\n"
@@ -29,24 +27,12 @@ constexpr std::string_view kStyle =
     "white-space:pre-wrap;overflow-wrap:anywhere;user-select:all}\n";
 
 std::string Escaped(std::string_view text) {
+  constexpr std::string_view kSpecial = "&<>\"";
+  constexpr const char* kEntities[] = {"&amp;", "&lt;", "&gt;", "&quot;"};
   std::string escaped;
   for (const char c : text) {
-    switch (c) {
-      case '&':
-        escaped += "&amp;";
-        break;
-      case '<':
-        escaped += "&lt;";
-        break;
-      case '>':
-        escaped += "&gt;";
-        break;
-      case '"':
-        escaped += "&quot;";
-        break;
-      default:
-        escaped += c;
-    }
+    const std::size_t index = kSpecial.find(c);
+    escaped += index == std::string_view::npos ? std::string(1, c) : kEntities[index];
   }
   return escaped;
 }
@@ -93,6 +79,7 @@ std::string Head(const Sheet& sheet) {
   return "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n"
          "<meta name=\"viewport\" content=\"width=device-width\">\n<title>" +
          title + "</title>\n<style>\n" + std::string(kStyle) + "figure{width:" + std::to_string(width) +
+         "px}\nbody{max-width:" + std::to_string(3 * width + 2 * 28 + 2 * 40) +
          "px}\n</style>\n</head>\n<body>\n<header>\n" + Figure(sheet.original) + "<div><h1>" + title +
          "</h1>\n<p>" + SubtitleOf(sheet) + " A click selects it.</p></div>\n</header>\n";
 }

@@ -2,6 +2,7 @@
 
 #include "app/caption_font.h"
 #include "app/contact_sheet_output.h"
+#include "imageio/samples.h"
 
 namespace cvt::app {
 
@@ -13,11 +14,10 @@ namespace {
 
 constexpr std::int32_t kColumns = 3;
 constexpr std::int32_t kMargin = 40, kGap = 28;
-constexpr std::int32_t kNarrowest = 300;  // of what stands below a picture
-constexpr std::int32_t kSwatches = 14;    // height of a row of them
-constexpr std::int32_t kHeading = 64;     // what a heading takes
-constexpr std::int32_t kAbove = 12;       // between a picture and what stands below it
-constexpr std::int32_t kNameLine = 26, kCommandLine = 14;
+constexpr std::int32_t kSwatches = 14;  // height of a row of them
+constexpr std::int32_t kHeading = 64;   // what a heading takes
+constexpr std::int32_t kAbove = 12;     // between a picture and what stands below it
+constexpr std::int32_t kWide = 480;     // from here on there is room for letters twice as large
 
 constexpr IRGB kPaper{244, 244, 241}, kInk{27, 27, 27}, kFaint{107, 107, 100}, kEdge{211, 211, 205};
 
@@ -30,24 +30,33 @@ struct Pen {
   IRGB color;
   std::int32_t scale;  // pixels that a dot of a letter is wide and high
 };
-constexpr Pen kTitlePen{kInk, 4}, kHeadingPen{kInk, 3}, kNamePen{kInk, 2}, kCommandPen{kInk, 1},
-    kFactsPen{kFaint, 1}, kSubtitlePen{kFaint, 2};
+constexpr Pen kTitlePen{kInk, 5}, kHeadingPen{kInk, 3}, kSubtitlePen{kFaint, 2};
 
 constexpr std::int32_t Advance(Pen pen) { return (kLetterWidth + 1) * pen.scale; }
+constexpr std::int32_t LineHeight(Pen pen) { return (kLetterHeight + 4) * pen.scale; }
 
-std::size_t LettersIn(std::int32_t width, Pen pen) {
-  return static_cast<std::size_t>(std::max(1, width / Advance(pen)));
+std::vector<std::string> LinesOf(const std::string& text, std::int32_t width, Pen pen) {
+  return Wrapped(Letters(text), static_cast<std::size_t>(width / Advance(pen)));
+}
+
+std::int32_t HeightOf(const std::string& text, std::int32_t width, Pen pen) {
+  return static_cast<std::int32_t>(LinesOf(text, width, pen).size()) * LineHeight(pen);
+}
+
+std::uint8_t* At(Canvas& canvas, std::int32_t x, std::int32_t y) {
+  return canvas.rgb.data() + (std::int64_t{y} * canvas.width + x) * 3;
+}
+
+// Answers where the next pixel is.
+std::uint8_t* Put(IRGB color, std::uint8_t* to) {
+  const std::uint8_t pixel[] = {color.red, color.green, color.blue};
+  return std::copy_n(pixel, 3, to);
 }
 
 void Fill(Canvas& canvas, std::int32_t x, std::int32_t y, Extent size, IRGB color) {
   for (std::int32_t row = y; row < y + size.height; ++row) {
-    const std::int64_t start = (std::int64_t{row} * canvas.width + x) * 3;
-    std::uint8_t* to = canvas.rgb.data() + start;
-    for (std::int32_t k = 0; k < size.width; ++k, to += 3) {
-      to[0] = color.red;
-      to[1] = color.green;
-      to[2] = color.blue;
-    }
+    std::uint8_t* to = At(canvas, x, row);
+    for (std::int32_t k = 0; k < size.width; ++k) to = Put(color, to);
   }
 }
 
@@ -66,29 +75,26 @@ void Write(Canvas& canvas, std::int32_t x, std::int32_t y, Pen pen, std::string_
 // Answers where the next line would be.
 std::int32_t WriteLines(Canvas& canvas, std::int32_t x, std::int32_t y, std::int32_t width, Pen pen,
                         const std::string& text) {
-  for (const std::string& line : Wrapped(Letters(text), LettersIn(width, pen))) {
+  for (const std::string& line : LinesOf(text, width, pen)) {
     Write(canvas, x, y, pen, line);
-    y += kCommandLine * pen.scale;
+    y += LineHeight(pen);
   }
   return y;
-}
-
-IRGB ColorAt(const Picture& picture, std::int32_t x, std::int32_t y) {
-  const Image& image = picture.image;
-  const std::uint8_t* row = picture.rows.data() + pipeline::RowBytes(image) * static_cast<std::size_t>(y);
-  if (image.palette.empty()) return {row[3 * x], row[3 * x + 1], row[3 * x + 2]};
-  const std::int32_t bits = pipeline::StoredBits(image.depth);
-  const std::int32_t bit = x * bits;
-  return image.palette[static_cast<std::size_t>(row[bit / 8] >> (8 - bits - bit % 8) & ((1 << bits) - 1))];
 }
 
 void DrawPicture(Canvas& canvas, std::int32_t x, std::int32_t y, const Picture& picture) {
   const Image& image = picture.image;
   Fill(canvas, x - 1, y - 1, {image.width + 2, image.height + 2}, kEdge);
-  for (std::int32_t row = 0; row < image.height; ++row) {
-    for (std::int32_t column = 0; column < image.width; ++column) {
-      Fill(canvas, x + column, y + row, {1, 1}, ColorAt(picture, column, row));
+  std::vector<std::uint8_t> pixels(static_cast<std::size_t>(image.width));
+  const std::uint8_t* row = picture.rows.data();
+  for (std::int32_t k = 0; k < image.height; ++k, row += pipeline::RowBytes(image)) {
+    std::uint8_t* to = At(canvas, x, y + k);
+    if (image.palette.empty()) {
+      std::copy_n(row, pixels.size() * 3, to);
+      continue;
     }
+    imageio::UnpackRow(row, image.width, pipeline::StoredBits(image.depth), imageio::SameValues(), pixels.data());
+    for (const std::uint8_t index : pixels) to = Put(image.palette[index], to);
   }
 }
 
@@ -104,22 +110,29 @@ void DrawSwatches(Canvas& canvas, std::int32_t x, std::int32_t y, std::int32_t w
 }
 
 struct Layout {
-  Extent picture;
-  std::int32_t cellWidth, cellHeight;
+  Extent picture, cell;
+  std::int32_t titleHeight;  // of the original and of what stands beside it
+  Pen name, facts, command;
 };
+
+std::int32_t TitleWidth(const Layout& layout) { return 2 * layout.cell.width + kGap; }
 
 Layout LayoutOf(const Sheet& sheet) {
   const Image& image = sheet.original.picture.image;
-  Layout layout{{image.width, image.height}, std::max(kNarrowest, image.width), 0};
-  std::size_t lines = 0;
+  const std::int32_t width = std::max(kNarrowest, image.width);
+  const std::int32_t scale = width < kWide ? 1 : 2;
+  Layout layout{{image.width, image.height}, {width, 0}, 0, {kInk, scale + 1}, {kFaint, scale}, {kInk, scale}};
+  std::int32_t below = 0;
   for (const SheetGroup& group : sheet.groups) {
     for (const SheetCell& cell : group.cells) {
-      const std::string letters = Letters(CommandLine(cell.words));
-      lines = std::max(lines, Wrapped(letters, LettersIn(layout.cellWidth, kCommandPen)).size());
+      below = std::max(below, HeightOf(CommandLine(cell.words), width, layout.command));
     }
   }
-  layout.cellHeight =
-      image.height + kAbove + kNameLine + kSwatches + kAbove + static_cast<std::int32_t>(lines) * kCommandLine;
+  layout.cell.height =
+      image.height + kAbove + LineHeight(layout.name) + kSwatches + kAbove + LineHeight(layout.facts) + below;
+  layout.titleHeight =
+      std::max(layout.cell.height, HeightOf(sheet.input, TitleWidth(layout), kTitlePen) +
+                                       HeightOf(SubtitleOf(sheet), TitleWidth(layout), kSubtitlePen));
   return layout;
 }
 
@@ -129,9 +142,9 @@ std::int32_t RowsOf(const SheetGroup& group) {
 
 Canvas BlankCanvas(const Sheet& sheet, const Layout& layout) {
   Canvas canvas{
-      2 * kMargin + kColumns * layout.cellWidth + (kColumns - 1) * kGap, 2 * kMargin + layout.cellHeight, {}};
+      2 * kMargin + kColumns * layout.cell.width + (kColumns - 1) * kGap, 2 * kMargin + layout.titleHeight, {}};
   for (const SheetGroup& group : sheet.groups) {
-    canvas.height += kGap + kHeading + RowsOf(group) * (layout.cellHeight + kGap);
+    canvas.height += kGap + kHeading + RowsOf(group) * (layout.cell.height + kGap);
   }
   canvas.rgb.resize(std::size_t{3} * static_cast<std::size_t>(canvas.width) *
                     static_cast<std::size_t>(canvas.height));
@@ -140,15 +153,13 @@ Canvas BlankCanvas(const Sheet& sheet, const Layout& layout) {
 }
 
 void DrawCell(Canvas& canvas, std::int32_t x, std::int32_t y, const Layout& layout, const SheetCell& cell) {
+  const std::int32_t width = layout.cell.width;
   DrawPicture(canvas, x, y, cell.picture);
-  y += layout.picture.height + kAbove;
-  Write(canvas, x, y, kNamePen, Letters(cell.name));
-  const std::string facts = FactsOf(cell.picture);
-  const std::int32_t factsWidth = Advance(kFactsPen) * static_cast<std::int32_t>(facts.size());
-  Write(canvas, x + layout.cellWidth - factsWidth, y + 7, kFactsPen, facts);
-  y += kNameLine;
-  DrawSwatches(canvas, x, y, layout.cellWidth, cell.picture.image.palette);
-  WriteLines(canvas, x, y + kSwatches + kAbove, layout.cellWidth, kCommandPen, CommandLine(cell.words));
+  y = WriteLines(canvas, x, y + layout.picture.height + kAbove, width, layout.name, cell.name);
+  DrawSwatches(canvas, x, y, width, cell.picture.image.palette);
+  if (!cell.picture.image.palette.empty()) y += kSwatches + kAbove;
+  y = WriteLines(canvas, x, y, width, layout.facts, FactsOf(cell.picture));
+  WriteLines(canvas, x, y, width, layout.command, CommandLine(cell.words));
 }
 
 void DrawGroup(Canvas& canvas, std::int32_t y, const Layout& layout, const SheetGroup& group) {
@@ -156,8 +167,8 @@ void DrawGroup(Canvas& canvas, std::int32_t y, const Layout& layout, const Sheet
   Write(canvas, kMargin, y + 18, kHeadingPen, group.heading);
   std::int32_t index = 0;
   for (const SheetCell& cell : group.cells) {
-    const std::int32_t x = kMargin + index % kColumns * (layout.cellWidth + kGap);
-    DrawCell(canvas, x, y + kHeading + index / kColumns * (layout.cellHeight + kGap), layout, cell);
+    const std::int32_t x = kMargin + index % kColumns * (layout.cell.width + kGap);
+    DrawCell(canvas, x, y + kHeading + index / kColumns * (layout.cell.height + kGap), layout, cell);
     ++index;
   }
 }
@@ -168,21 +179,20 @@ Status WriteSheetPicture(const Sheet& sheet, const pipeline::RowSink& sink) {
   const Layout layout = LayoutOf(sheet);
   Canvas canvas = BlankCanvas(sheet, layout);
   DrawCell(canvas, kMargin, kMargin, layout, sheet.original);
-  const std::int32_t beside = kMargin + layout.cellWidth + kGap;
-  const std::int32_t titleWidth = canvas.width - kMargin - beside;
-  const std::int32_t below = WriteLines(canvas, beside, kMargin, titleWidth, kTitlePen, sheet.input);
-  WriteLines(canvas, beside, below, titleWidth, kSubtitlePen, SubtitleOf(sheet));
-  std::int32_t y = kMargin + layout.cellHeight + kGap;
+  const std::int32_t beside = kMargin + layout.cell.width + kGap;
+  const std::int32_t width = TitleWidth(layout);
+  const std::int32_t below = WriteLines(canvas, beside, kMargin, width, kTitlePen, sheet.input);
+  WriteLines(canvas, beside, below, width, kSubtitlePen, SubtitleOf(sheet));
+  std::int32_t y = kMargin + layout.titleHeight + kGap;
   for (const SheetGroup& group : sheet.groups) {
     DrawGroup(canvas, y, layout, group);
-    y += kGap + kHeading + RowsOf(group) * (layout.cellHeight + kGap);
+    y += kGap + kHeading + RowsOf(group) * (layout.cell.height + kGap);
   }
   if (Status failed = sink.begin({canvas.width, canvas.height, pipeline::kDirectDepth}); Failed(failed)) {
     return failed;
   }
   for (std::int32_t row = 0; row < canvas.height; ++row) {
-    const std::uint8_t* from = canvas.rgb.data() + std::int64_t{3} * canvas.width * row;
-    if (Status failed = sink.write(row, from); Failed(failed)) return failed;
+    if (Status failed = sink.write(row, At(canvas, 0, row)); Failed(failed)) return failed;
   }
   return sink.end();
 }

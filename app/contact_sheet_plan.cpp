@@ -143,7 +143,9 @@ Extent PictureSize(const Arguments& arguments, Extent image) {
 Sheet PlanSheet(const Arguments& arguments, Extent image) {
   const Extent from = Clipped(arguments, image);
   const Extent to = PictureSize(arguments, image);
-  Sheet sheet{arguments.operands[0], PlanCell(arguments, from, "original", "original", {}), {}};
+  Sheet sheet{std::filesystem::path(arguments.operands[0]).filename().string(),
+              PlanCell(arguments, from, "original", "original", {}),
+              {}};
   for (const GroupRow& row : kGroups) {
     if (IsShown(row.shown, arguments, from, to)) sheet.groups.push_back(PlanGroup(arguments, from, row));
   }

@@ -10,6 +10,9 @@
 
 namespace cvt::app {
 
+/// What stands below a picture takes so much of the width, even below a narrow one.
+inline constexpr std::int32_t kNarrowest = 300;
+
 /// A picture as its command line makes it.
 struct Picture {
   pipeline::Image image;           // of the rows
@@ -29,7 +32,7 @@ struct SheetGroup {
 };
 
 struct Sheet {
-  std::string input;
+  std::string input;  // its name, without folders
   SheetCell original;
   std::vector<SheetGroup> groups;
 };

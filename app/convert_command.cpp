@@ -47,6 +47,9 @@ Outcome RunConvert(const Arguments& arguments) {
     return ConvertMany(arguments, files);
   }
   if (Outcome failed = CheckPair(arguments.operands); Failed(failed)) return failed;
+  if (arguments.report == "-" && arguments.operands[1] == "-") {
+    return Usage("--report", "standard output is the image already (give a file)");
+  }
   return ConvertOne(arguments, {arguments.operands[0], arguments.operands[1]});
 }
 

@@ -112,7 +112,8 @@ const OptionRow kConvertOptions[] = {
     {"Running", "--shard", "I/N", "with --out-dir: convert every Nth input only, from the Ith on",
      Form<Shard>{&Arguments::shard, ParseShard, "I/N, I from 1 to N"}},
     {"Running", "--report", "FILE",
-     "write one JSON object a line and image: input, output, status, message, width, height, milliseconds, crc32",
+     "write one JSON object a line and image, - is standard output: input, output, status, message, width, "
+     "height, milliseconds, crc32",
      Text{&Arguments::report}},
     {"Running", "--page", "N", "of a file of several pages; needed where there are several",
      Number{&Arguments::page, 1, kMostPages}},
@@ -130,7 +131,10 @@ std::span<const OptionRow> ConvertOptions() { return kConvertOptions; }
 
 std::string Joined(std::span<const Word> words) {
   std::string joined;
-  for (const Word& word : words) joined += (joined.empty() ? "" : "|") + std::string(word.name);
+  for (const Word& word : words) {
+    if (!joined.empty()) joined += '|';
+    joined += word.name;
+  }
   return joined;
 }
 

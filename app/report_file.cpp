@@ -1,5 +1,7 @@
 #include "app/report_file.h"
 
+#include <unistd.h>
+
 #include <cerrno>
 #include <nlohmann/json.hpp>
 #include <system_error>
@@ -42,7 +44,8 @@ std::string LineFor(const ImageReport& report) {
 Outcome OpenReport(const Arguments& arguments, ReportFile* file) {
   if (!arguments.report) return Done();
   const char* mode = arguments.skipExisting ? "abe" : arguments.force ? "wbe" : "wbxe";
-  file->reset(std::fopen(arguments.report->c_str(), mode));
+  file->reset(*arguments.report == "-" ? ::fdopen(::dup(STDOUT_FILENO), "wb")
+                                       : std::fopen(arguments.report->c_str(), mode));
   if (*file != nullptr) return Done();
   const int error = errno;
   const std::string reason = error == EEXIST

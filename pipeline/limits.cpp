@@ -142,7 +142,8 @@ Status CheckScaling(const Stage& stage) {
   const std::int64_t limit = stage.smooth ? kLargestSmoothHeights : kLargestProduct;
   if (std::int64_t{from.height} * to.height <= limit) return Ok();
   return Fail(Code::Limit, "height times new height exceeds " + std::to_string(limit) +
-                               " (the largest new height is " + largest(limit, from.height) + ")");
+                               " (the largest new height is " + largest(limit, from.height) +
+                               (stage.smooth ? "; without averaging it is larger)" : ")"));
 }
 
 Status CheckLines(const Stage& stage) {

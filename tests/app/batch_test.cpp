@@ -92,6 +92,8 @@ TEST(Batch, GoesOnAfterABadFileAndReportsEach) {
   EXPECT_EQ(made.at("status"), "done");
   EXPECT_EQ(made.at("width"), 50);
   EXPECT_EQ(made.at("height"), 74);
+  const Ended told = place.Convert("a2.pgm a2.png --depth 1 --report -");
+  EXPECT_EQ(nlohmann::json::parse(told.out).at("crc32"), made.at("crc32"));
   const std::string raw = place.Convert("a2.pgm - --depth 1 --format raw").out;
   const auto crc = ::crc32_z(0, reinterpret_cast<const Bytef*>(raw.data()), raw.size());
   EXPECT_EQ(std::stoul(made.at("crc32").get<std::string>(), nullptr, 16), crc);

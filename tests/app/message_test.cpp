@@ -100,6 +100,7 @@ constexpr Case kCases[] = {
     {"--out-dir d --files-from .", 3, "r2r: .: the list"},
     {"gray --out-dir gray", 5, "r2r: gray: the directory"},
     {"gray --out-dir d --report gray", 5, "r2r: gray: the file exists"},
+    {"gray - --format pgm --report -", 2, "r2r: --report: standard output is the image"},
     {"gray o.png --report none/r", 5, "r2r: none/r: it cannot be created"},
     {"gray o.png --max-pixels 0", 2, "r2r: --max-pixels: '0'"},
     {"gray o.png --max-pixels 3", 4, "r2r: gray: "},
