@@ -68,8 +68,7 @@ void CompactPlanes(tagRasterPlane* band, const tagPlaneData* input, std::int32_t
   band->planeBytes = Low16(rowBytes * lines);
 
   std::uint8_t* to = PixelsOf(band);
-  const std::uint8_t* firstKept =
-      input->data + std::ptrdiff_t{firstLine - input->top} * std::ptrdiff_t{oldRowBytes};
+  const std::uint8_t* firstKept = input->data + (firstLine - input->top) * Signed32(oldRowBytes);
   for (std::uint32_t plane = 0; plane < band->bitsPerPixel; ++plane) {
     const std::uint8_t* from = firstKept + plane * input->planeBytes;
     for (std::uint32_t line = 0; line < lines; ++line, to += rowBytes, from += oldRowBytes)

@@ -43,8 +43,9 @@ struct WriteOptions {
 /// their true depth with their palette, colours as 24-bit rows; 16-bit samples are rounded to 8 bits and
 /// transparency lies on the background. The resolution comes along where the file tells one.
 ///
-/// Code::Input   missing, unreadable, damaged or of an unknown format
-/// Code::Limit   larger than the options allow, or interlaced and too large for the buffer
+/// Code::Usage   of several pages and none is chosen, or not of so many, or of a format left out of the build
+/// Code::Input   missing, unreadable, damaged or of a kind that is not read
+/// Code::Limit   larger than the options allow, or in need of a larger buffer
 /// `source->read` answers the same codes, and Code::Input for an image that ends early.
 pipeline::Status OpenImage(const std::string& path, const ReadOptions& options, pipeline::RowSource* source);
 
@@ -59,7 +60,8 @@ pipeline::Status DescribeImage(const std::string& path, const ReadOptions& optio
 /// Creates an image; "-" is standard output. The file appears under its name when `sink->end` is done;
 /// a sink that is destroyed before leaves nothing behind. Devices and pipes are written directly.
 ///
-/// Code::Usage   no format: neither wanted nor told by the suffix
+/// Code::Usage   no format: neither wanted nor told by the suffix, or left out of the build; or one without a
+///               choice of compressions
 /// Code::Output  the file exists and may not be replaced, or cannot be created
 /// `sink->begin` answers Code::Usage for an image that the format cannot hold, all three of the sink
 /// Code::Output when writing fails.

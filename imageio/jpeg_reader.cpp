@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <csetjmp>
+#include <limits>
 #include <string>
 #include <type_traits>
 #include <utility>
@@ -134,7 +135,8 @@ bool ReadHeader(JpegReader& reader) {
     jpeg_create_decompress(&jpeg);
     jpeg.src = &reader.source;
     jpeg.progress = &reader.progress;
-    jpeg.mem->max_memory_to_use = static_cast<long>(reader.options.maxBufferBytes + kRowBytes);
+    constexpr std::int64_t kMost = std::numeric_limits<long>::max();  // of a machine of 32 bits
+    jpeg.mem->max_memory_to_use = static_cast<long>(std::min(reader.options.maxBufferBytes + kRowBytes, kMost));
     jpeg_read_header(&jpeg, TRUE);
   });
 }

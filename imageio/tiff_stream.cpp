@@ -8,6 +8,7 @@
 #include <cstdarg>
 #include <cstdio>
 #include <iterator>
+#include <limits>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -101,7 +102,8 @@ TiffHandle OpenTiffStream(TiffStream& stream, const char* mode, std::int64_t max
   const std::unique_ptr<TIFFOpenOptions, decltype(&TIFFOpenOptionsFree)> options(TIFFOpenOptionsAlloc(),
                                                                                  TIFFOpenOptionsFree);
   if (!options) return nullptr;
-  TIFFOpenOptionsSetMaxSingleMemAlloc(options.get(), maxBytes);
+  constexpr std::int64_t kMost = std::numeric_limits<tmsize_t>::max();  // of a machine of 32 bits
+  TIFFOpenOptionsSetMaxSingleMemAlloc(options.get(), static_cast<tmsize_t>(std::min(maxBytes, kMost)));
   TIFFOpenOptionsSetErrorHandlerExtR(options.get(), HearError, &stream);
   TIFFOpenOptionsSetWarningHandlerExtR(options.get(), HearWarning, &stream);
   return TiffHandle(TIFFClientOpenExt("TIFF", mode, &stream, ReadHandle, WriteHandle, SeekHandle, LeaveOpen,
