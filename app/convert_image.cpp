@@ -78,9 +78,9 @@ Outcome Fit(const Arguments& arguments, const Files& files, RowSource* source, S
   return OpenSource(arguments, files.input, source);
 }
 
-// Rows that go into a file as the format wants them, counted into the checksum.
-RowSink Arranged(RowSink sink, const Settings& settings, Format format, Made* made) {
-  sink = Checked(std::move(sink), &made->crc);
+// Rows that go into a file as the format wants them, counted into the checksum where a report tells it.
+RowSink Arranged(const Arguments& arguments, RowSink sink, const Settings& settings, Format format, Made* made) {
+  if (arguments.report) sink = Checked(std::move(sink), &made->crc);
   const bool packs = settings.layout == pipeline::Layout::Planes && !imageio::TakesAnyRows(format);
   return packs ? pipeline::PackRows(std::move(sink)) : sink;
 }
@@ -115,7 +115,8 @@ Outcome ConvertInto(const Arguments& arguments, const Wishes& wishes, const File
   if (chosen.adaptive) outcome = Fit(arguments, files, &source, &settings);
   if (!Failed(outcome)) outcome = Explain(arguments, files, source, settings);
   if (Failed(outcome)) return outcome;
-  return Convert(files, source, settings, Arranged(std::move(sink), settings, format, made), messages, made);
+  sink = Arranged(arguments, std::move(sink), settings, format, made);
+  return Convert(files, source, settings, sink, messages, made);
 }
 
 Outcome ConvertImage(const Arguments& arguments, const Wishes& wishes, const Files& files, Messages messages,

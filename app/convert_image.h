@@ -17,7 +17,7 @@ namespace cvt::app {
 struct Made {
   std::int32_t fromWidth = 0, fromHeight = 0;
   std::int32_t width = 0, height = 0, depth = 0;
-  std::uint32_t crc = 0;  // CRC-32 of the rows, as raw output has them
+  std::uint32_t crc = 0;  // with --report: CRC-32 of the rows, as raw output has them
 };
 
 enum class Messages : std::uint8_t { Quiet, Progress };

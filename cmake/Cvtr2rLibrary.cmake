@@ -20,3 +20,4 @@ target_link_options(cvtr2r_shared PRIVATE -Wl,--version-script=${exports})
 set_target_properties(cvtr2r_shared PROPERTIES LINK_DEPENDS ${exports})
 
 add_library(cvtr2r::library ALIAS cvtr2r_static)
+add_library(cvtr2r::shared ALIAS cvtr2r_shared)

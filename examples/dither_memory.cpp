@@ -8,9 +8,15 @@
 
 using namespace cvt::pipeline;
 
+// A dark spot that fades to white.
+static std::uint8_t GrayAt(int x, int y) {
+  const int across = x - 32, down = 2 * (y - 8), gray = (across * across + down * down) / 4;
+  return static_cast<std::uint8_t>(gray < 255 ? gray : 255);
+}
+
 int main() {
   std::vector<std::uint8_t> grays(64 * 16);
-  for (std::size_t i = 0; i < grays.size(); ++i) grays[i] = static_cast<std::uint8_t>(i % 64 * 4);
+  for (int i = 0; i < 64 * 16; ++i) grays[static_cast<std::size_t>(i)] = GrayAt(i % 64, i / 64);
 
   Image written;
   std::vector<std::uint8_t> bits;
@@ -23,7 +29,7 @@ int main() {
   }
 
   for (std::size_t i = 0; i < bits.size() * 8; ++i) {
-    std::putchar((bits[i / 8] >> (7 - i % 8) & 1) != 0 ? '#' : '.');
+    std::putchar((bits[i / 8] >> (7 - i % 8) & 1) != 0 ? '.' : '#');
     if (i % 64 == 63) std::putchar('\n');
   }
 }
