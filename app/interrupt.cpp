@@ -38,11 +38,12 @@ extern "C" void EndInterrupted(int) {
 }
 
 void Add(const char* name) {
-  if (std::strlen(name) >= sizeof(FileToRemove::name)) return;  // no system takes such a name
+  const std::size_t bytes = std::strlen(name) + 1;
+  if (bytes > sizeof(FileToRemove::name)) return;  // no system takes such a name
   for (FileToRemove& file : filesToRemove) {
     Slot free = Slot::Free;
     if (!file.state.compare_exchange_strong(free, Slot::Filling)) continue;
-    std::strcpy(file.name, name);
+    std::memcpy(file.name, name, bytes);
     file.state.store(Slot::Named);
     return;
   }

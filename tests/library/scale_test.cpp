@@ -249,6 +249,18 @@ TEST(ScaleSmooth, ChoosesGrayOrColor) {
   }
 }
 
+// Six columns from `from` on become `width` columns from `to` on: averaged where they end elsewhere.
+TEST(ScaleSmooth, IsDueWhereTheImagesEndsDiffer) {
+  static constexpr std::int16_t kRows[][4] = {{0, 0, 5, 1}, {0, 1, 6, 1}, {0, 1, 5, 0}, {-1, 0, 5, 0}};
+  for (const auto& [from, to, width, smooth] : kRows) {
+    ScaleCase what = Picture({"abcdef"}, width, 0);
+    what.source.options = kSmoothOption;
+    what.source.originX = from;
+    what.destination.originX = to;
+    EXPECT_NE(RunScale(what, Cvtr2r).Calls(Call::PackedPixel).empty(), smooth == 1) << from << " to " << to;
+  }
+}
+
 }  // namespace
 
 }  // namespace cvt::test
