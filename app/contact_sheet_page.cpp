@@ -1,3 +1,4 @@
+// The sheet as a page: one style block, pictures and captions in the page itself.
 #include <algorithm>
 #include <cstdio>
 #include <string_view>

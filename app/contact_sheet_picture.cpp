@@ -1,3 +1,4 @@
+// The sheet as a picture: three columns of cells, drawn in memory.
 #include <algorithm>
 
 #include "app/caption_font.h"

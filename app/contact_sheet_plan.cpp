@@ -1,3 +1,4 @@
+// The table of groups, and the words of their command lines.
 #include "app/contact_sheet_plan.h"
 
 #include <algorithm>

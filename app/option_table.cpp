@@ -144,8 +144,8 @@ const char* Examples() {
          "      a photograph for a small black and white display\n"
          "  r2r convert --size 33% scan.pbm small.pbm\n"
          "      a scanned page at a third of its size, hairlines kept\n"
-         "  r2r convert --preset web-256 --crop 800x600+40+0 photo.png part.png\n"
-         "      the 256 best colours for a part of the picture\n";
+         "  r2r convert --preset web-256 -j 4 --out-dir web shots/*.png\n"
+         "      the 256 best colours of each of many pictures, four at a time\n";
 }
 
 }  // namespace cvt::app

@@ -13,7 +13,8 @@
 namespace cvt {
 namespace {
 
-// Describes the clipped image; null when memory is exhausted. The kind stays: the band still needs what else the destination asks for.
+// Describes the clipped image; null when memory is exhausted. The kind stays: the band still needs what else the
+// destination asks for.
 tagIGFD* DescribeClipped(tagIGFD* source) {
   tagIGFD* copy = CvtDupIGFD(source);
   if (copy == nullptr) return nullptr;

@@ -96,7 +96,7 @@ const BadFile kBadFiles[] = {
     {"thumbnail that starts like a PAM", "P7 332\n1 1 255\nA", Code::Input, "P7 alone"},
     {"PNG signature with line ends changed", Bytes("89504e470a1a0a00"), Code::Input, "damaged"},
     {"PNG without pixels", Png({1, 0, 8, 0, "", "0"}), Code::Input, ""},
-    {"PNG as wide as can be", Png({0x7fffffff, 1, 8, 0, "", "0"}), Code::Limit, "1000000"},
+    {"PNG as wide as libpng takes with 32 bits", Png({0x1fffff80, 1, 8, 0, "", "0"}), Code::Limit, "1000000"},
     {"PNG of too many pixels", Png({1000000, 0x7fffffff, 1, 0, "", "0"}), Code::Limit, "--max-pixels"},
     {"interlaced PNG of too many bytes", Png({100000, 10000, 8, 0, "", "0", 1}), Code::Limit,
      "limit is 256 MiB (raise it with --max-memory"},
