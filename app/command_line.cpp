@@ -171,4 +171,11 @@ Outcome ParseCommandLine(int count, const char* const* words, Request* request) 
   return TakePreset(root, &request->arguments);
 }
 
+Outcome ParseWords(const std::vector<std::string>& words, Request* request) {
+  std::vector<const char*> pointers;
+  pointers.reserve(words.size());
+  for (const std::string& word : words) pointers.push_back(word.c_str());
+  return ParseCommandLine(static_cast<int>(pointers.size()), pointers.data(), request);
+}
+
 }  // namespace cvt::app

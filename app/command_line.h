@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "app/option_table.h"
 #include "app/report.h"
@@ -16,5 +17,8 @@ struct Request {
 
 /// Code::Usage with the option that is wrong; `request` is then undefined.
 Outcome ParseCommandLine(int count, const char* const* words, Request* request);
+
+/// The same of words that the program made itself, from "r2r" on.
+Outcome ParseWords(const std::vector<std::string>& words, Request* request);
 
 }  // namespace cvt::app

@@ -103,11 +103,9 @@ std::string Content(std::FILE* file) {
 }
 
 Outcome MakePicture(SheetCell& cell) {
-  std::vector<const char*> words;
-  for (const std::string& word : cell.words) words.push_back(word.c_str());
   Request request;
   const Arguments& arguments = request.arguments;
-  Outcome outcome = ParseCommandLine(static_cast<int>(words.size()), words.data(), &request);
+  Outcome outcome = ParseWords(cell.words, &request);
   if (Failed(outcome)) return outcome;
   Wishes wishes;
   if (outcome = ReadWishes(arguments, &wishes); Failed(outcome)) return outcome;

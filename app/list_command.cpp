@@ -33,7 +33,11 @@ std::string ListChoice(std::string_view option) {
 
 std::string ListMethods() { return ListChoice("--halftone") + ListChoice("--reduce") + ListChoice("--enlarge"); }
 
-std::string ListFormats() { return ListChoice("--format") + ListChoice("--compress"); }
+std::string ListFormats() {
+  return "inputs\n" + Line("PNG, TIFF, JPEG,", "told by their first bytes") +
+         Line("PBM, PGM, PPM, PAM", "told by their first bytes, binary and plain") + ListChoice("--format") +
+         ListChoice("--compress");
+}
 
 std::string ListMatrices() {
   std::string text = "--matrix\n";

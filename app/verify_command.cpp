@@ -78,12 +78,8 @@ std::vector<std::string> WordsOf(std::string_view options) {
 }
 
 Outcome ReadOptions(std::string_view options, Arguments* arguments) {
-  const std::vector<std::string> words = WordsOf(options);
-  std::vector<const char*> pointers;
-  pointers.reserve(words.size());
-  for (const std::string& word : words) pointers.push_back(word.c_str());
   Request request;
-  Outcome outcome = ParseCommandLine(static_cast<int>(pointers.size()), pointers.data(), &request);
+  Outcome outcome = ParseWords(WordsOf(options), &request);
   *arguments = std::move(request.arguments);
   return outcome;
 }
