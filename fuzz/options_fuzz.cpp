@@ -53,10 +53,8 @@ bool InRange(const Arguments& arguments) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::vector<std::string> words = Words(data, size);
-  std::vector<const char*> pointers;
-  for (const std::string& word : words) pointers.push_back(word.c_str());
   Request request;
-  const Outcome outcome = ParseCommandLine(static_cast<int>(pointers.size()), pointers.data(), &request);
+  const Outcome outcome = ParseWords(words, &request);
   if (Failed(outcome)) {
     const std::string line = LineOf(outcome);
     if (!line.ends_with(')') || line.find(" (") == std::string::npos) std::abort();
