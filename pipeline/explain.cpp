@@ -4,6 +4,7 @@
 #include <string>
 
 #include "pipeline/convert.h"
+#include "pipeline/parts.h"
 #include "pipeline/stage.h"
 #include "pipeline/two_colors.h"
 
@@ -111,8 +112,10 @@ Status Explain(const Image& image, const Settings& settings, std::vector<std::st
       Failed(bad))
     return bad;
   lines->clear();
-  for (const Stage& stage : plan.stages)
-    if (Status bad = ExplainStage(stage, lines); Failed(bad)) return bad;
+  for (const Stage& stage : plan.stages) {
+    if (stage.parts > 1) lines->push_back("in " + Many(stage.parts, "part") + ", of which the first:");
+    if (Status bad = ExplainStage(StageOfPart(stage, 0), lines); Failed(bad)) return bad;
+  }
   return Ok();
 }
 

@@ -129,6 +129,11 @@ Status CheckOverlay(const Overlay& overlay, const Image& output) {
                                " of the output (move it, or make it smaller)");
 }
 
+bool CanAverage(std::int32_t height, std::int32_t newHeight) {
+  return height <= kTallestScaled && newHeight <= kTallestScaled &&
+         std::int64_t{height} * newHeight <= kLargestSmoothHeights;
+}
+
 Status CheckScaling(const Stage& stage) {
   const Image& from = stage.entry.image;
   const Image& to = stage.output;
@@ -136,14 +141,15 @@ Status CheckScaling(const Stage& stage) {
   if (from.width != to.width && std::int64_t{from.width} * to.width > kLargestProduct)
     return Fail(Code::Limit, "width times new width exceeds 2147483647 (the largest new width is " +
                                  largest(kLargestProduct, from.width) + ")");
-  if (from.height == to.height && !stage.smooth) return Ok();
+  if (stage.smooth ? CanAverage(from.height, to.height) : from.height == to.height) return Ok();
   if (from.height > kTallestScaled || to.height > kTallestScaled)
     return Fail(Code::Limit, "heights of images that are scaled may not exceed 32767 (cut the image first)");
-  const std::int64_t limit = stage.smooth ? kLargestSmoothHeights : kLargestProduct;
-  if (std::int64_t{from.height} * to.height <= limit) return Ok();
-  return Fail(Code::Limit, "height times new height exceeds " + std::to_string(limit) +
-                               " (the largest new height is " + largest(limit, from.height) +
-                               (stage.smooth ? "; without averaging it is larger)" : ")"));
+  if (stage.smooth)
+    return Fail(Code::Limit, std::to_string(from.height) + " lines cannot be averaged to " +
+                                 std::to_string(to.height) + " (choose another new height, a line or two away)");
+  if (std::int64_t{from.height} * to.height <= kLargestProduct) return Ok();
+  return Fail(Code::Limit, "height times new height exceeds " + std::to_string(kLargestProduct) +
+                               " (the largest new height is " + largest(kLargestProduct, from.height) + ")");
 }
 
 Status CheckLines(const Stage& stage) {

@@ -15,6 +15,9 @@ Status CheckCrop(const Image& image, const Crop& crop);
 /// The overlay must be an indexed image that lies within the output.
 Status CheckOverlay(const Overlay& overlay, const Image& output);
 
+/// Whether a height can be averaged to another in one go.
+bool CanAverage(std::int32_t height, std::int32_t newHeight);
+
 /// The products that scaling forms must stay within 32 bits.
 Status CheckScaling(const Stage& stage);
 

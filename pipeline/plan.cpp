@@ -5,6 +5,7 @@
 #include "host/tables.h"
 #include "pipeline/band.h"
 #include "pipeline/limits.h"
+#include "pipeline/parts.h"
 
 namespace cvt::pipeline {
 namespace {
@@ -99,11 +100,18 @@ bool EndsWithEveryLine(const Stage& stage) { return stage.output.height % stage.
 
 // Source lines that at the least must share a band so that an output line ends in it. Averaging needs one
 // more to choose its cuts from, where a band of the fewest lines would end together with an output line.
-std::int32_t FewestBandLines(const Stage& stage) {
+std::int32_t FewestLinesOfPart(const Stage& stage) {
   const std::int32_t from = stage.entry.image.height, to = stage.output.height;
   const std::int32_t group = to >= from ? 1 : (from + to - 1) / to;
   const bool needsChoice = to > from || from % to == 0;
   return stage.smooth && !EndsWithEveryLine(stage) && needsChoice ? std::min(group + 1, from) : group;
+}
+
+std::int32_t FewestBandLines(const Stage& stage) {
+  std::int32_t fewest = 1;
+  for (std::int32_t i = 0; i < stage.parts; ++i)
+    fewest = std::max(fewest, FewestLinesOfPart(StageOfPart(stage, i)));
+  return fewest;
 }
 
 // Neither a band nor, however it is split, what becomes of it may outgrow a block.
@@ -133,7 +141,8 @@ Status FinalStage(const Image& image, const Settings& settings, Stage* stage) {
   stage->scaleDownMethod = settings.reduce == Reduce::Decimate ? kDecimate : kKeepFeatures;
   stage->smooth = ScalesSmoothly(image, stage->output, settings);
   stage->entry = MakeEntry(ChooseIntake(image, *stage, settings), image, Tone(settings));
-  if (Status bad = CheckScaling(*stage); Failed(bad)) return bad;
+  if (stage->smooth) stage->parts = PartsNeeded(image.height, height);
+  if (Status bad = CheckScaling(StageOfPart(*stage, 0)); Failed(bad)) return bad;
   if (Status bad = CheckLines(*stage); Failed(bad)) return bad;
   stage->bandLines = MostBandLines(*stage, settings);
   if (!Shrinks(image, stage->output) || settings.reduce != Reduce::Keep) return Ok();
@@ -166,26 +175,18 @@ Status AddCrop(const Settings& settings, Image* image, Plan* plan) {
   return Ok();
 }
 
-// A band holds too few lines for an output line to end in it: go part of the way first.
-//
-// The width goes first, since narrower lines make taller bands: all the way where pixels are sampled or
-// merged, as the routines would do next; by halves where they are averaged, of grays or direct colour, since
-// every average costs a little sharpness.
-Status AddStep(const Settings& settings, const Stage& last, Image* image, Plan* plan) {
-  Settings step = Unchanged(*image, settings);
-  step.width = std::min(image->width, last.output.width);
-  step.height = image->height;
-  if (last.smooth) {
-    const bool gray = last.entry.intake == Intake::GrayLevels;
-    step.depth = gray ? 8 : kDirectDepth;
-    step.palette = gray ? GrayRamp(8) : std::vector<IRGB>{};
-    step.layout = Layout::Packed;
-    step.gamma = settings.gamma;
-    step.width = std::min(image->width, std::max(last.output.width, (image->width + 1) / 2));
-    if (step.width == image->width && last.bandLines > 2) step.height = (image->height + 1) / 2;
-  }
-  if (step.width == image->width && step.height == image->height)
-    return Fail(Code::Limit, "the lines are too long to reduce the height so far at once (reduce in two steps)");
+// What averages are made of on their way: grays or direct colour.
+Settings Averaging(const Image& image, const Settings& settings, const Stage& last) {
+  const bool gray = last.entry.intake == Intake::GrayLevels;
+  Settings step = Unchanged(image, settings);
+  step.depth = gray ? 8 : kDirectDepth;
+  step.palette = gray ? GrayRamp(8) : std::vector<IRGB>{};
+  step.layout = Layout::Packed;
+  step.gamma = settings.gamma;
+  return step;
+}
+
+Status AddStage(const Settings& step, Image* image, Plan* plan) {
   Stage stage;
   if (Status bad = FinalStage(*image, step, &stage); Failed(bad)) return bad;
   plan->stages.push_back(stage);
@@ -193,9 +194,32 @@ Status AddStep(const Settings& settings, const Stage& last, Image* image, Plan* 
   return Ok();
 }
 
-}  // namespace
+// What follows on averages in parts, error diffusion say, must not notice the parts: it is a stage of its own.
+Status AddParts(const Settings& settings, const Stage& last, Image* image, Plan* plan) {
+  Settings step = Averaging(*image, settings, last);
+  step.enlarge = settings.enlarge;
+  step.width = last.output.width;
+  step.height = last.output.height;
+  return AddStage(step, image, plan);
+}
 
-namespace {
+// A band holds too few lines for an output line to end in it: go part of the way first.
+//
+// The width goes first, since narrower lines make taller bands: all the way where pixels are sampled or
+// merged, as the routines would do next; by halves where they are averaged, of grays or direct colour, since
+// every average costs a little sharpness.
+Status AddStep(const Settings& settings, const Stage& last, Image* image, Plan* plan) {
+  Settings step = last.smooth ? Averaging(*image, settings, last) : Unchanged(*image, settings);
+  step.width = std::min(image->width, last.output.width);
+  step.height = image->height;
+  if (last.smooth) {
+    step.width = std::min(image->width, std::max(last.output.width, (image->width + 1) / 2));
+    if (step.width == image->width && last.bandLines > 2) step.height = (image->height + 1) / 2;
+  }
+  if (step.width == image->width && step.height == image->height)
+    return Fail(Code::Limit, "the lines are too long to reduce the height so far at once (reduce in two steps)");
+  return AddStage(step, image, plan);
+}
 
 // Averaging loses step where a band ends together with an output line: its last line counts again in the
 // next band. Such cuts are avoided; where there are no others, the first line is a band of its own, and what
@@ -230,13 +254,15 @@ Status MakePlan(const Image& image, const Settings& settings, Plan* plan) {
   for (;;) {
     Stage last;
     if (Status bad = FinalStage(next, rest, &last); Failed(bad)) return bad;
-    if (last.bandLines >= FewestBandLines(last)) {
+    const bool enough = last.bandLines >= FewestBandLines(last);
+    if (enough && last.parts == 1) {
       if (Status bad = CheckOverlay(settings.overlay, last.output); Failed(bad)) return bad;
       last.overlay = settings.overlay;
       plan->stages.push_back(last);
       return Ok();
     }
-    if (Status bad = AddStep(rest, last, &next, plan); Failed(bad)) return bad;
+    Status bad = enough ? AddParts(rest, last, &next, plan) : AddStep(rest, last, &next, plan);
+    if (Failed(bad)) return bad;
     if (last.smooth) rest.gamma = 1.0;  // the step has applied it
   }
 }

@@ -25,6 +25,8 @@ struct Stage {
   Overlay overlay;             // of the last stage
   std::int16_t keepValue = 0;  // pixel value whose runs never vanish
   std::int32_t bandLines = 0;  // most lines in a band
+  std::int32_t parts = 1;      // that go through one after another, see parts.h
+  bool goesOn = false;         // averages: a row comes behind the last one, which is a part's
 };
 
 struct Plan {

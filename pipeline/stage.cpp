@@ -216,10 +216,11 @@ Status PushRow(Worker* worker, const std::uint8_t* row) {
   const std::int32_t rows = worker->stage.entry.image.height;
   const std::int32_t y = worker->rowsIn++;
   if (!worker->stage.smooth || rows == 1) return AddRow(worker, row);
-  // Averages lag by one row, so rows enter one ahead: without the first, and with the last twice.
+  // Averages lag by one row, so rows enter one ahead: without the first, and with the last twice where none
+  // comes behind it.
   if (y == 0) return Ok();
   if (Status bad = AddRow(worker, row); Failed(bad)) return bad;
-  return y + 1 == rows ? AddRow(worker, row) : Ok();
+  return y + 1 == rows && !worker->stage.goesOn ? AddRow(worker, row) : Ok();
 }
 
 }  // namespace cvt::pipeline

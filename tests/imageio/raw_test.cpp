@@ -121,7 +121,7 @@ TEST(WriteC, CompilesToTheBytesOfRawRows) {
     const std::string build = std::string(CVTR2R_COMPILER " -Wall -Wextra -Wpedantic -Werror -x ") + language +
                               " -o " + folder.Path("run") + " " + source;
     ASSERT_EQ(std::system(build.c_str()), 0) << language;
-    ASSERT_EQ(std::system((folder.Path("run") + " >" + folder.Path("out")).c_str()), 0);
+    ASSERT_EQ(std::system((CVTR2R_STARTER + folder.Path("run") + " >" + folder.Path("out")).c_str()), 0);
     EXPECT_EQ(Hex(folder.Read("out")), Hex(expected)) << language;
   }
 }

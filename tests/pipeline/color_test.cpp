@@ -75,15 +75,20 @@ TEST(DirectColor, ComesInWordsOfEveryDepth) {
   struct Case {
     std::int32_t depth;
     std::vector<std::uint8_t> row;
+    Overlay overlay = {};
   };
+  const Overlay orange{{1, 1, 8, {{255, 128, 8}}}, {0}, 2, 0, -1};
   const std::vector<std::uint8_t> words = {0x00, 0x7C, 0x1F, 0x02, 0x43, 0x04};
-  const Case kCases[] = {{15, words}, {16, words}, {32, {0, 0, 0xFF, 0, 0xFF, 0x80, 0, 0, 0x18, 0x10, 0x08, 0}}};
+  const Case kCases[] = {{15, words},
+                         {16, words},
+                         {16, {0x00, 0x7C, 0x1F, 0x02, 0x01, 0x7E}, orange},
+                         {32, {0, 0, 0xFF, 0, 0xFF, 0x80, 0, 0, 0x18, 0x10, 0x08, 0}}};
   for (const Case& c : kCases) {
     RowSource source = ReadMemory(picture.image, rows.data(), rows.size());
     Image written;
     std::vector<std::uint8_t> out;
     RowSink sink = WriteMemory(&written, &out);
-    ASSERT_FALSE(Failed(pipeline::Convert(source, {.depth = c.depth}, sink)));
+    ASSERT_FALSE(Failed(pipeline::Convert(source, {.depth = c.depth, .overlay = c.overlay}, sink)));
     EXPECT_EQ(out, c.row) << c.depth;
   }
 }
@@ -99,6 +104,7 @@ TEST(Overlay, CoversWhereItIsOpaqueInEveryKindOfOutput) {
       if (depth == kDirectDepth && layout == Layout::Planes) continue;
       Settings settings{.depth = depth, .layout = layout, .bandLines = 4};
       if (depth <= 8) settings.palette = kCorners;
+      if (depth == 8) settings.palette.insert(settings.palette.begin(), 124, {9, 9, 9});  // blue is entry 128
       const Picture plain = Convert(slopes, settings);
       settings.overlay = overlay;
       const Picture covered = Convert(slopes, settings);
@@ -198,6 +204,8 @@ TEST(Palettes, TwoColorsInOneBitAreToldByTheirColor) {
     const Picture diffused =
         Convert(mixed, {.depth = 1, .palette = redBlue, .halftone = Halftone::Diffusion, .layout = layout});
     EXPECT_NEAR(static_cast<double>(std::count(diffused.pixels.begin(), diffused.pixels.end(), 1U)), 37, 3);
+    const Picture told = Convert(patches, {.depth = 1, .palette = redBlue, .threshold = 20, .layout = layout});
+    EXPECT_EQ(told.pixels, std::vector<std::uint32_t>(74, 0)) << "all above gray 20, and red is the lighter";
   }
 }
 
@@ -217,6 +225,14 @@ TEST(Gamma, BendsEveryKindOfSourceAlike) {
         for (std::int32_t x = 0; x < 256; ++x)
           EXPECT_NEAR(GrayAt(out, x, 0), 255 * std::pow(x / 255.0, 1 / gamma), 0.51) << x << " at " << gamma;
       }
+}
+
+TEST(Gamma, BendsBitsBeforeTheyAreTold) {
+  const std::vector<IRGB> dim = {{0, 0, 0}, {140, 140, 140}};  // 140 becomes 77, which is black
+  const Picture picture = NoisePicture({19, 5, 1, dim}, 41);
+  EXPECT_EQ(Convert(picture, {.depth = 1, .palette = dim}).pixels, picture.pixels);
+  EXPECT_EQ(Convert(picture, {.depth = 1, .palette = dim, .gamma = 0.5}).pixels,
+            std::vector<std::uint32_t>(95, 0));
 }
 
 }  // namespace

@@ -241,6 +241,12 @@ TEST(Explain, TellsEveryLinkWithItsSizes) {
        {"source: colour as 32-bit words; 1000 x 50, 32 bits packed, 4 bands of up to 16 lines, 64000 bytes",
         "nearest colour: 1000 x 50, 2 bits packed, 1 band of up to 16 lines, 4000 bytes from one band",
         "next stage: 50 rows of 250 bytes"}},
+      {{1000, 50, 8, GrayRamp(8)},
+       {.depth = 1, .palette = GrayRamp(1), .width = 4000},
+       {"source: 1000 x 50, 8 bits packed, 4 bands of up to 16 lines, 16000 bytes",
+        "enlarge width: 4000 x 50, 8 bits packed, 1 band of up to 16 lines, 64000 bytes from one band",
+        "nearest colour: 4000 x 50, 1 plane, 1 band of up to 16 lines, 8000 bytes from one band",
+        "next stage: 50 rows of 500 bytes"}},
   };
   for (const Case& c : kCases) {
     std::vector<std::string> lines;

@@ -75,10 +75,10 @@ TEST(Refuse, SaysWhatIsWrongAndWhatToDo) {
        {4, 40000, 8, GrayRamp(8)},
        {.depth = 1, .palette = GrayRamp(1), .height = 10},
        "32767"},
-      {"smooth heights whose product wraps",
-       {4, 9000, 8, GrayRamp(8)},
-       {.depth = 1, .palette = GrayRamp(1), .height = 8000},
-       "the largest new height is 1871"},
+      {"smooth heights that no parts serve",
+       {4, 4300, 8, GrayRamp(8)},
+       {.depth = 1, .palette = GrayRamp(1), .height = 4299},
+       "4300 lines cannot be averaged to 4299"},
       {"enlarged line too long",
        {33000, 4, 8, GrayRamp(8)},
        {.depth = 8, .palette = GrayRamp(8), .width = 65010},
@@ -95,12 +95,29 @@ TEST(Refuse, SaysWhatIsWrongAndWhatToDo) {
        {9, 9, 24},
        {.depth = 24, .width = 4, .reduce = Reduce::Keep, .keepColor = {255, 0, 0}},
        "keep black"},
+      {"green that cannot be kept",
+       {9, 9, 24},
+       {.depth = 24, .width = 4, .reduce = Reduce::Keep, .keepColor = {0, 128, 0}},
+       "keep black"},
   };
   for (const Case& c : kCases) {
     const std::string message = Refusal({c.image, {}}, c.settings);
     EXPECT_NE(message.find(c.message), std::string::npos) << c.what << ": " << message;
     EXPECT_EQ(message.back(), ')') << c.what << " does not say what to do: " << message;
   }
+}
+
+TEST(Refuse, TakesWhatJustFits) {
+  struct Case {
+    Image image;
+    Settings settings;
+  };
+  const Case kCases[] = {
+      {{33000, 4, 8, GrayRamp(8)},
+       {.depth = 8, .palette = GrayRamp(8), .width = 65010, .enlarge = Enlarge::Smooth}},
+      {{32768, 2, 1, GrayRamp(1)}, {.depth = 1, .palette = GrayRamp(1), .crop = {1, 0, 32766, 1}}}};
+  std::vector<std::string> lines;
+  for (const Case& c : kCases) EXPECT_EQ(Explain(c.image, c.settings, &lines).message, "");
 }
 
 // A conversion of several bands whose source or sink fails at the n-th row.

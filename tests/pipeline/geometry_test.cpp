@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "tests/pipeline/picture.h"
 
@@ -231,11 +232,20 @@ TEST(Smooth, ReductionDoesNotDependOnTheBands) {
 TEST(Smooth, GoesInStepsWhereABandHoldsTooFewLines) {
   const Picture picture = Waves({6000, 300, kDirectDepth});  // two lines a band
   Settings settings = Same(picture.image);
+  settings.gamma = 2;  // once, however many steps there are
+  const double mean = MeanGray(Convert(picture, settings));
   settings.width = 300;
   settings.height = 15;
   const Picture out = Convert(picture, settings);
   ASSERT_EQ(out.image.height, 15);
-  EXPECT_NEAR(MeanGray(out), MeanGray(picture), 4);
+  EXPECT_NEAR(MeanGray(out), mean, 4);
+}
+
+TEST(Smooth, AveragesThePixelsOfALineToTheLast) {
+  const Picture line{{4, 1, 8, GrayRamp(8)}, {0, 0, 0, 100}};
+  Settings settings = Same(line.image);
+  settings.width = 2;
+  EXPECT_EQ(Convert(line, settings).pixels, (std::vector<std::uint32_t>{0, 50}));
 }
 
 TEST(Smooth, AConstantImageStaysConstant) {
@@ -273,6 +283,73 @@ TEST(Resolution, KeepsTheSizeOnPaper) {
   const Resolution written = Convert(NoisePicture(image, 1), settings).image.resolution;
   EXPECT_EQ(written.x, 600);
   EXPECT_EQ(written.y, 75);
+}
+
+// ---- Averages of tall images, which go through in parts ----
+
+Settings Averages(std::int32_t width, std::int32_t height) {
+  return {.depth = 8,
+          .palette = GrayRamp(8),
+          .width = width,
+          .height = height,
+          .enlarge = Enlarge::Smooth,
+          .bandLines = 50};
+}
+
+// Where the ratio is exact, the lines around a seam are those of a piece that is averaged by itself.
+TEST(TallAverages, AreThoseOfPieces) {
+  const struct {
+    std::int32_t height, newHeight, first, rows;  // the piece
+  } cases[] = {
+      {8200, 4100, 3000, 2200}, {6000, 6000, 2900, 400}, {5000, 10000, 1200, 400}, {20000, 4000, 9000, 2500}};
+  for (const auto& c : cases) {
+    const Picture picture = NoisePicture({6, c.height, 8, GrayRamp(8)}, 5);
+    const Picture whole = Convert(picture, Averages(3, c.newHeight));
+    Settings piece = Averages(3, c.rows * c.newHeight / c.height);
+    piece.crop = {0, c.first, 6, c.rows};
+    const Picture part = Convert(picture, piece);
+    const std::int32_t top = c.first * c.newHeight / c.height, edge = 4 * c.newHeight / c.height + 4;
+    for (std::int32_t y = edge; y < part.image.height - edge; ++y)
+      for (std::int32_t x = 0; x < 3; ++x)
+        ASSERT_EQ(At(whole, x, top + y), At(part, x, y))
+            << c.height << " to " << c.newHeight << ": " << x << ", " << y;
+  }
+}
+
+// The mean of the lines `from` to `to`, parts of lines counted as such, of the first column.
+double MeanOf(const Picture& picture, double from, double to) {
+  double sum = 0;
+  for (auto y = static_cast<std::int32_t>(from); y < to && y < picture.image.height; ++y)
+    sum += (std::min(to, y + 1.0) - std::max(from, 1.0 * y)) * At(picture, 0, y);
+  return sum / (to - from);
+}
+
+// Where it is not, every line is about the mean of the lines that it stands for, at a seam of what lies half a
+// line beside them at most: of a picture whose levels rise and fall by one from line to line.
+TEST(TallAverages, LieWhereTheyShould) {
+  for (const auto& [height, newHeight] : {std::pair{7001, 2503}, {4300, 4290}, {30000, 2999}, {4097, 4111}}) {
+    Picture picture = NoisePicture({2, height, 8, GrayRamp(8)}, 1);
+    for (std::size_t i = 0; i < picture.pixels.size(); ++i) {
+      const auto wave = static_cast<std::uint32_t>(i / 2 % 400);
+      picture.pixels[i] = 20 + (wave < 200 ? wave : 400 - wave);
+    }
+    const Picture made = Convert(picture, Averages(2, newHeight));
+    const double step = static_cast<double>(height) / newHeight;
+    for (std::int32_t y = 1; y + 1 < newHeight; ++y)
+      ASSERT_NEAR(At(made, 0, y), MeanOf(picture, y * step, (y + 1) * step), 1.6) << height << " " << y;
+  }
+}
+
+// What follows on the averages runs through all parts: the error of diffusion is carried over the seams.
+TEST(TallAverages, AreHalftonedAsOneImage) {
+  const Picture picture = NoisePicture({20, 8400, 8, GrayRamp(8)}, 7);
+  Settings ink = Averages(10, 4200);
+  ink.depth = 1;
+  ink.palette = GrayRamp(1);
+  ink.halftone = Halftone::Diffusion;
+  Settings after = ink;
+  after.width = after.height = 0;
+  EXPECT_EQ(Convert(picture, ink).pixels, Convert(Convert(picture, Averages(10, 4200)), after).pixels);
 }
 
 }  // namespace
