@@ -41,6 +41,6 @@ constexpr std::uint32_t Divide(std::uint32_t n, const Divisor& by) {
 static_assert(Divide(0x7FFFFFFF, DivisorOf(1)) == 0x7FFFFFFF && Divide(0x7FFFFFFF, DivisorOf(0x7FFFFFFF)) == 1);
 static_assert(Divide(8, DivisorOf(3)) == 2 && Divide(9, DivisorOf(3)) == 3 &&
               Divide(9, DivisorOf(0xFFFFFFFF)) == 0);
-static_assert(Divide(0xFFFFFFFF, DivisorOf(10)) == 429496729);
+static_assert(Divide(0xFFFFFFFB, DivisorOf(7)) == 613566755);  // the product alone would give one more
 
 }  // namespace cvt

@@ -154,6 +154,12 @@ TEST(Adaptive, WeighsColorsByTheirPixels) {
   EXPECT_TRUE(AreEqual(PaletteFor(picture, 1), {{4, 4, 4}}));
 }
 
+TEST(Adaptive, RoundsMeansAndPartsAtTheDarkerOfEqualPlaces) {
+  EXPECT_TRUE(AreEqual(PaletteFor({{0, 0, 0}, {1, 3, 5}}, 1), {{1, 2, 3}}));
+  const Colors evenly = {{0, 0, 0}, {64, 64, 64}, {128, 128, 128}};
+  EXPECT_TRUE(AreEqual(PaletteFor(evenly, 2), {{0, 0, 0}, {96, 96, 96}}));
+}
+
 TEST(Adaptive, CountsImagesOfAnySize) {
   const Colors picture = Night();
   ColorCounts counts;

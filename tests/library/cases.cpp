@@ -54,10 +54,10 @@ Script RandomScript(Dice& dice) {
 
 void AddBands(Dice& dice, Case& made, bool planes, bool leftIsRowIndex) {
   const bool large = dice.OneIn(40);
-  const int width = large ? dice.Between(71, 1500) : dice.Between(0, 70);
+  const int width = large ? dice.Between(71, 1500) : dice.OneIn(6) ? dice.Between(64, 140) : dice.Between(0, 63);
   const int top = dice.OneIn(10) ? dice.Between(65500, 65535) : dice.Of({0, 0, 8, 1000});
   int left = dice.OneIn(2) ? 0 : dice.Between(0, 90);
-  if (!leftIsRowIndex && dice.OneIn(10)) left = dice.Between(65400, 65535);
+  if (!leftIsRowIndex && dice.OneIn(10)) left = dice.Of({65535, dice.Between(65400, 65535)});
   const int depth = dice.OneIn(8) ? dice.Between(0, 32) : std::min<int>(made.source.bitsPerPixel, 32);
   int line = top;
   for (int b = dice.Of({1, 1, 2, 3}); b > 0; --b) {

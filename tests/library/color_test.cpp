@@ -91,11 +91,22 @@ TEST(DirectColor, StoresChannels) {
   ColorCase fives = Packed(16, 24, 1, 2, {0xFF, 0x83, 0, 0});  // blue 31, green 31, red 0, and a bit too many
   fives.base.source.colorFlags = 0;
   EXPECT_EQ(Pixels(RunColorCase(fives, CvtByteRGBPacked).handedOn.at(0)), (Bytes{248, 248, 0, 0}));
+  std::vector<IRGB> palette(65539, {9, 9, 9});
+  palette[65538] = {1, 2, 3};
+  Case deep = PlainCase(true, 17, 24, 1, 1);  // indices of more than 16 bits
+  deep.source.palette = palette.data();
+  deep.bands[0].pixels[2 * 1] = deep.bands[0].pixels[2 * 16] = 0x80;
+  EXPECT_EQ(Pixels(RunCase(deep, RoutineNamed("CvtBitRGBPacked")).handedOn.at(0)), (Bytes{3, 2, 1, 0}));
 }
 
 TEST(DirectColor, HandsOnWhatHasTheDepthAlready) {
   const Outcome same = RunColorCase(Packed(8, 8, 3, 1, {1, 2, 3}), CvtByteRGBPacked);
   EXPECT_TRUE(same.log.size() == 3 && same.handedOn.at(0) == same.inputs.at(0));
+  for (const auto word : {&ColorCase::colorAdjust1, &ColorCase::colorAdjust2}) {
+    ColorCase adjusted = Packed(8, 8, 3, 1, {1, 2, 3});
+    adjusted.*word = 0x100;
+    EXPECT_GT(RunColorCase(adjusted, CvtByteRGBPacked).log.size(), 3u);
+  }
 }
 
 tagIGFD handedDescriptor;  // of the last band
@@ -142,6 +153,18 @@ TEST(Clip, KeepsTheSharedLines) {
       EXPECT_EQ(int{handedDescriptor.options}, 0xFF7F);
       EXPECT_EQ(std::int32_t{handedDescriptor.imageWidth}, c.x1 - c.x0);
     }
+}
+
+// Line 32768 is chosen and counts as -32768 from there on: as many lines are read as lie between it and 32770.
+TEST(Clip, ReadsTheChosenLineAsSigned) {
+  Case what = PlainCase(false, 8, 8, 8, 10);
+  what.bands[0].top = 32760;
+  what.source.clipX1 = 8;
+  what.source.clipY0 = -32768;
+  what.source.clipY1 = -32700;
+  const Outcome outcome = RunCase(what, RoutineNamed("CvtClipPacked"));
+  EXPECT_EQ(outcome.Calls(Call::ReadPacked).size(), 65538u);
+  EXPECT_EQ(Header(outcome.handedOn.at(0)), (std::array<int, 5>{0, 32768, 8, 2, 8}));
 }
 
 TEST(Clip, PacksPlanesTogether) {
@@ -211,6 +234,31 @@ TEST(ColorDiffusion, ScalesFiveBitsPlainlyAndTheShortCutInFull) {
   EXPECT_EQ(sought(CvtColorDiffusionByteByte), (Sought{128, 128, 248}));
   what.diffusionFlags = kShortCutLatch;
   EXPECT_EQ(sought(CvtColorDiffusionByteByte), (Sought{132, 132, 255}));
+}
+
+std::int16_t otherErrorRow[6];
+CvtStatus CVT_CALL ChangeErrorRow(tagRasterPacked** band, tagIGFD* source, tagIGFD* destination,
+                                  tagCRLA* context) {
+  context->errorRow = otherErrorRow;
+  return ScriptedConvert(band, source, destination, context);
+}
+
+TEST(ColorDiffusion, KeepsToTheErrorRowThatACallStartsWith) {
+  RunColorCase(Packed(4, 8, 2, 2, {0x77, 0, 0x77, 0}), CvtColorDiffusionByteByte,
+               ChangeErrorRow);  // two sub-bands
+  for (const std::int16_t entry : otherErrorRow) EXPECT_EQ(entry, 0);
+}
+
+TEST(ShortCut, IsForFiveBitsAndMoreToFiveToEight) {
+  struct Row {
+    std::uint8_t from, to;
+    CvtStatus taken;
+  };
+  for (const Row row : {Row{4, 8, 0}, {5, 8, 1}, {32, 8, 1}, {8, 4, 0}, {8, 5, 1}, {8, 9, 0}}) {
+    const Outcome asked =
+        RunColorCase(Packed(row.from, row.to, 1, 1, {}), RoutineNamed("CvtCanShortCutDiffusion"));
+    EXPECT_EQ(asked.statuses.at(0), row.taken) << int{row.from} << " to " << int{row.to};
+  }
 }
 
 TEST(ShortCut, StaysTakenAndThenRefusesFourBits) {

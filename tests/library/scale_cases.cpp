@@ -1,6 +1,7 @@
 #include "tests/library/scale_cases.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace cvt::test {
 
@@ -77,6 +78,8 @@ ScaleCase RandomScale(Dice& dice, bool planes, const Kind& kind) {
   destination.keepColor = dice.Of<std::int16_t>({0, 1, -1, 255});
   destination.bitsPerPixel = dice.Of<std::uint8_t>({1, 8, 8, 8, 24, 15, 2});
   source.options = 0xFFFF;
+  source.keepColor = 3;
+  std::memset(source.keepColorWords, 7, sizeof source.keepColorWords);
   made.grayPalette = dice.Of<std::uint8_t>({0, 0, 1, 2});
   made.scaleDownMethod = dice.Of<std::uint8_t>({0, 1, 2, 2});
   made.linePixels = static_cast<std::size_t>(destination.imageWidth);
@@ -189,6 +192,7 @@ ScaleCase RandomForSmoothWorker(Dice& dice, std::size_t k) {
   static constexpr std::uint8_t kPrepared[] = {0, 0, 8, 32};
   ScaleCase what = RandomScale(dice, k == 0, {Sort::Smooth, false, kPrepared[k]});
   if (k < 2) what.source.clipX0 = dice.Of<std::int16_t>({0, 0, 1, 3, -1});
+  if (k > 1 && dice.OneIn(8)) what.accumulator = 1;  // of a line that some other image began
   return what;
 }
 

@@ -46,7 +46,7 @@ TEST(ScaleDifferential, ChainsOfTheDispatcher) {
 // Outputs that fill several sub-bands, and lines that fit none.
 TEST(ScaleDifferential, LinesNearTheSizeOfASubBand) {
   for (const bool planes : {false, true})
-    for (const int to : {2031, 16249, 16250, 16251, 65000, 70000})
+    for (const int to : {2031, 16249, 16250, 16251, 65000, 65002, 70000})
       for (const std::uint8_t depth : std::initializer_list<std::uint8_t>{1, 7, 8, 32}) {
         ScaleCase what;
         static_cast<Case&>(what) = PlainCase(planes, depth, 8, 50, 7, 0x5C);
@@ -60,6 +60,61 @@ TEST(ScaleDifferential, LinesNearTheSizeOfASubBand) {
         what.destination.imageHeight = 20;
         Compare(what, kScaleDrivers[1], to);
       }
+}
+
+// Rows of more than 16 bits of bytes. The bands hold less than their headers say.
+TEST(ScaleDifferential, ReducedRowsBeyondTheSizesThatFit) {
+  for (const std::size_t driver : {2u, 3u})
+    for (const std::uint8_t method : std::initializer_list<std::uint8_t>{0, kDecimate}) {
+      ScaleCase what;
+      static_cast<Case&>(what) = PlainCase(false, 32, 8, 20000, 0);
+      what.bands[0].lineCount = 4;
+      what.bands[0].pixels.assign(60000, 0x5C);
+      what.source.imageWidth = 20000;
+      what.source.imageHeight = 4;
+      what.destination.imageWidth = driver == 2 ? 17000 : 20000;
+      what.destination.imageHeight = driver == 2 ? 4 : 3;
+      what.linePixels = 20000;
+      what.scaleDownMethod = method;
+      what.script.runs = Runs::Merged;
+      Compare(what, kScaleDrivers[driver], method);
+    }
+}
+
+// Planes compare with 16 bits of the height, packed pixels with all of it.
+TEST(ScaleDifferential, EnlargedHeightsBeyondTheSizesThatFit) {
+  for (const std::size_t worker : {2u, 3u}) {
+    ScaleCase what;
+    static_cast<Case&>(what) = PlainCase(worker == 2, 1, 8, 2, 4, 0x5C);
+    what.source.imageHeight = 70000;
+    what.destination.imageHeight = 70001;
+    Compare(what, kScaleWorkers[worker], 0);
+  }
+}
+
+// The first band ends at output line 65536, which is 0: the second is no image's first band for all that.
+TEST(ScaleDifferential, EnlargedImagesThatPassTheLastLine) {
+  ScaleCase what;
+  static_cast<Case&>(what) = PlainCase(false, 8, 8, 2, 4, 0x5C);
+  what.bands[0].top = 32764;
+  what.bands.push_back(what.bands[0]);
+  what.bands[1].top = 32766;
+  what.source.imageHeight = 1;
+  what.destination.imageHeight = 2;
+  Compare(what, kScaleDrivers[1], 0);
+}
+
+// Runs of 2800, 63000 and 4200 pixels in a band of 4464: the second one's end passes 65535.
+TEST(ScaleDifferential, EnlargedLinesBeyondTheSizesThatFit) {
+  for (const bool planes : {false, true}) {
+    ScaleCase what;
+    static_cast<Case&>(what) = PlainCase(planes, 1, 8, 50, 1);
+    what.bands[0].pixels = {0xC0, 0, 0, 0, 0, 0x01, 0xC0, 0};
+    what.source.imageWidth = 50;
+    what.destination.imageWidth = 70000;
+    what.script.runs = Runs::Merged;
+    Compare(what, kScaleDrivers[0], 70000);
+  }
 }
 
 // Wide lines, of which the colour kernel clears fewer sums than there are; some of them fit no sub-band.

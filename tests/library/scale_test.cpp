@@ -164,15 +164,24 @@ TEST(Scale, PutsOtherOperationsOnTheList) {
   }
 }
 
+// The first lines of an image that is higher than they are.
+ScaleCase StartOf(int height, ScaleCase what) {
+  what.source.imageHeight = height;
+  return what;
+}
+
 struct LevelRow {
   ScaleCase picture;    // the levels are the characters: \n is 10, ( 40, M 77, d 100
   const char* written;  // line and level of each pixel
 };
-const LevelRow kLevels[] = {
-    {Column(".d", 4), "0:0 1:0 2:0 3:50 4:100"},  // the fifth is dropped
-    {Column(".|d", 4), "0:0 1:0 2:0 2:0 3:0"},   {Column("\n\n\n\n((((", 2), "0:10 1:32"},
-    {Picture({"..dd"}, 2, 0), "0:0 0:50"},       {Picture({".d"}, 4, 0), "0:0 0:0 0:0 0:50"},
-    {Picture({"MMM"}, 2, 0), "0:77 0:77"}};
+const LevelRow kLevels[] = {{Column(".d", 4), "0:0 1:0 2:0 3:50 4:100"},  // the fifth is dropped
+                            {Column(".|d", 4), "0:0 1:0 2:0 2:0 3:0"},
+                            {Column("\n\n\n\n((((", 2), "0:10 1:32"},
+                            {Picture({"..dd"}, 2, 0), "0:0 0:50"},
+                            {Picture({".d"}, 4, 0), "0:0 0:0 0:0 0:50"},
+                            {Picture({"MMM"}, 2, 0), "0:77 0:77"},
+                            // 2699832239 of 3273 * 4910 units: one short of level 168, and beyond 31 bits
+                            {StartOf(3273, Column("\xA7\xA8\xA8", 4910)), "0:167 1:167 2:167 3:167"}};
 
 TEST(ScaleSmooth, WeighsLinesAndPixels) {
   for (const LevelRow& row : kLevels) {

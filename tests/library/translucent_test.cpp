@@ -27,6 +27,13 @@ TEST(Translucent, PaintsWholeBytesOfPlanes) {
             (Written{40, {0, 0, 0, 0, 0, 0xA5, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xA5}}));
 }
 
+TEST(Translucent, ClearsPlanesThatNoValueReaches) {
+  Bytes opaque(4, 0);
+  const BandPlan plan = {true, 0, 0, 1, 1, 34, Bytes(68, 0xFF)};
+  const Bytes bytes = Write(Writer::Library, Way::ByBand, plan, 0, 0, {{1, 3}}, opaque).bytes;
+  for (std::size_t plane = 0; plane < 34; ++plane) EXPECT_EQ(bytes[2 * plane], plane < 2 ? 0xFF : 0x7F) << plane;
+}
+
 TEST(Translucent, SpillsValuesThatAreTooWideIntoThePixelsBefore) {
   Bytes opaque(65536, 0);
   const BandPlan plan = {false, 0, 0, 8, 1, 4, {0, 0, 0, 0}};

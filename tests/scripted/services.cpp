@@ -50,7 +50,7 @@ using cvt::test::World;
 
 std::uint32_t CVT_CALL CvtAdjustGammaValue(tagCRLA* context, IRGB* color) {
   World& here = World::Here();
-  here.Note(Call::Gamma, {here.Identify(context), color->red, color->green, color->blue});
+  here.Note(Call::Gamma, {here.Identify(context), color->red, color->green, color->blue, here.ErrorRowHash()});
   color->red = static_cast<std::uint8_t>(255 - color->red);
   color->green = static_cast<std::uint8_t>(color->green ^ 0x55);
   color->blue = static_cast<std::uint8_t>(color->blue * 3 + 1);

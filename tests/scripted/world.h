@@ -71,7 +71,7 @@ struct Script {
   bool replacesBand = false;     // convertProc keeps the band and leaves another block in the slot
   bool scribbles = false;        // convertProc uses the line buffer for its own purposes
   bool changesSettings = false;  // convertProc turns gamma and the kind of search over
-  bool watchesErrorRow = false;  // pixel writes note the whole error row
+  bool watchesErrorRow = false;  // pixel writes and gamma note the whole error row
   std::int32_t black = 0;
   std::int32_t white = 1;
   std::uint16_t cubeHighBits = 0;  // joined to what the cube answers
