@@ -65,10 +65,9 @@ void BeginWatch(HeapWatch* watch) {
 
 void EndWatch(HeapWatch* watch, bool release) {
   while (BlockHeader* header = NewestOf(watch)) {
-    if (release)
-      SioFreeSMem(header + 1);
-    else
-      Unlink(header);
+    watch->newest = header->older;
+    header->watch = nullptr;  // no block of the watch is looked at again
+    if (release) SioFreeSMem(header + 1);
   }
   currentWatch = watch->outer;
 }
