@@ -27,7 +27,7 @@ std::string Offer(const Suggestions& suggestions) {
   }
   if (suggestions.directories) return "_files -/";
   if (words.empty()) return suggestions.files ? "_files" : " ";
-  const std::string offered = Cat({"((", words, "))"});
+  std::string offered = Cat({"((", words, "))"});
   if (!suggestions.files) return offered;
   return Cat({"{_alternative 'words:name:", Quoted(offered), "' 'files:file:_files'}"});
 }
