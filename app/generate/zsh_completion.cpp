@@ -16,7 +16,7 @@ std::string Quoted(const std::string& text) {
   return quoted;
 }
 
-// A part of a specification: colons divide those.
+// One of the pieces that colons divide.
 std::string Part(const std::string& text) { return Escaped(text, ":"); }
 
 std::string Offer(const Suggestions& suggestions) {
