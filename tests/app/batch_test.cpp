@@ -50,12 +50,13 @@ TEST(Batch, WorkersShardsAndListsGiveTheSameFiles) {
   ASSERT_EQ(want.size(), static_cast<std::size_t>(kImages));
   EXPECT_EQ(place.Convert("a7.pgm single.pgm --depth 1").status, 0);
   EXPECT_TRUE(want.at("a7.pgm") == place.Read("single.pgm"));
+  const char* const shards =
+      "for i in 1 2 3 4 5; do \"$R2R\" convert a*.pgm --depth 1 --out-dir o/$i --shard $i/5 || exit; done\n"
+      "mv o/?/*.pgm o && rmdir o/?";
   const char* const ways[] = {
       "\"$R2R\" convert a*.pgm --depth 1 --out-dir o -j 5",
       "ls a*.pgm | \"$R2R\" convert --files-from - --depth 1 --out-dir o -j 2",
-      "printf '%s\\0' a?.pgm >list; \"$R2R\" convert a1?.pgm --files-from list -0 --depth 1 --out-dir o",
-      "for i in 1 2 3 4 5; do \"$R2R\" convert a*.pgm --depth 1 --out-dir o/$i --shard $i/5 || exit; done; mv "
-      "o/?/*.pgm o; rmdir o/?"};
+      "printf '%s\\0' a?.pgm >list; \"$R2R\" convert a1?.pgm --files-from list -0 --depth 1 --out-dir o", shards};
   for (const char* way : ways) {
     const Ended ended = place.Shell("rm -rf o; " + std::string(way));
     EXPECT_EQ(ended.status, 0) << way << ended.err;
