@@ -163,7 +163,10 @@ std::vector<SheetCell*> CellsOf(Sheet& sheet) {
 
 std::string CommandLine(const std::vector<std::string>& words) {
   std::string line;
-  for (const std::string& word : words) line += (line.empty() ? "" : " ") + Quoted(word);
+  for (const std::string& word : words) {
+    if (!line.empty()) line += ' ';
+    line += Quoted(word);
+  }
   return line;
 }
 
