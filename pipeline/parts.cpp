@@ -73,7 +73,8 @@ Stage StageOfPart(const Stage& stage, std::int32_t i) {
   alone.parts = 1;
   alone.entry.image.height = part.rowsIn;
   alone.output.height = part.dropped + part.rowsOut;
-  alone.bandLines = std::min(stage.bandLines, part.rowsIn);
+  // Never a single band: averages to a multiple would lie otherwise than in parts that have several.
+  alone.bandLines = std::min(stage.bandLines, part.rowsIn - 1);
   alone.goesOn = !part.last;
   return alone;
 }

@@ -340,6 +340,17 @@ TEST(TallAverages, LieWhereTheyShould) {
   }
 }
 
+// Of this width the first part would fit one band and the second not, being a little taller.
+TEST(TallAverages, RiseEvenlyOverASeam) {
+  Picture picture = NoisePicture({30, 4368, 8, GrayRamp(8)}, 1);
+  for (std::size_t i = 0; i < picture.pixels.size(); ++i)
+    picture.pixels[i] = static_cast<std::uint32_t>(i / 30 * 2 % 240);
+  Settings twice = Averages(30, 8736);
+  twice.bandLines = 0;
+  const Picture made = Convert(picture, twice);
+  for (std::int32_t y = 4360; y < 4376; ++y) EXPECT_EQ(At(made, 9, y + 1), At(made, 9, y) + 1) << y;
+}
+
 // What follows on the averages runs through all parts: the error of diffusion is carried over the seams.
 TEST(TallAverages, AreHalftonedAsOneImage) {
   const Picture picture = NoisePicture({20, 8400, 8, GrayRamp(8)}, 7);
