@@ -13,7 +13,8 @@ cd "$place"
 fail() { echo "$1" >&2; exit 1; }
 recipe() { awk -v mark="<!-- recipe: $1 -->" '$0 == mark {found = 1} /^```/ && found {if (inside) exit; inside = 1; next} inside' "$document"; }
 
-# A host is reached by ssh: this one notes the name and runs the words here.
+# A host is reached by ssh: this one notes the name and runs the words here. As on any login SHELL is set, which
+# a service that runs these tests may not do.
 mkdir bin scans
 ln -s "$command" bin/r2r
 cat >bin/ssh <<'END'
@@ -26,7 +27,7 @@ echo "$host" >>"$PLACE/hosts"
 exec sh -c "$*"
 END
 chmod +x bin/ssh
-export PLACE="$place" PATH="$place/bin:$PATH" HOME="$place" PARALLEL_HOME="$place"
+export PLACE="$place" PATH="$place/bin:$PATH" HOME="$place" PARALLEL_HOME="$place" SHELL=/bin/sh
 : >will-cite
 
 i=0
