@@ -97,15 +97,29 @@ Colors ChooseColors(const Job& job, std::int32_t depth) {
   return job.gray || job.format == Format::Pgm ? Colors::Gray : Colors::Adaptive;
 }
 
-std::vector<IRGB> PaletteOf(const Job& job, Colors colors, std::int32_t depth) {
+bool HasAll(const std::vector<IRGB>& palette, const std::vector<IRGB>& colors) {
+  return std::all_of(colors.begin(), colors.end(), [&palette](IRGB color) {
+    return std::any_of(palette.begin(), palette.end(),
+                       [color](IRGB other) { return imageio::Same(color, other); });
+  });
+}
+
+// The image's palette, as gamma and inversion change its colours: the nearest of those that were would undo
+// that. A negative that only swaps colours keeps their order.
+std::vector<IRGB> OwnPalette(const std::vector<IRGB>& own, const Settings& settings) {
+  std::vector<IRGB> toned = pipeline::ToneOf(settings, own);
+  return HasAll(own, toned) ? own : toned;
+}
+
+std::vector<IRGB> PaletteOf(const Job& job, Colors colors, const Settings& settings) {
   switch (colors) {
     case Colors::Own:
-      return job.image.palette;
+      return OwnPalette(job.image.palette, settings);
     case Colors::BlackAndWhite:
     case Colors::Gray:
-      return pipeline::GrayRamp(depth);
+      return pipeline::GrayRamp(settings.depth);
     case Colors::Cube:
-      return host::UniformCube(host::CubeLevels(static_cast<std::uint32_t>(depth)));
+      return host::UniformCube(host::CubeLevels(static_cast<std::uint32_t>(settings.depth)));
     case Colors::Given:
       return job.wish.colors;
     case Colors::Direct:
@@ -115,17 +129,10 @@ std::vector<IRGB> PaletteOf(const Job& job, Colors colors, std::int32_t depth) {
   return {};
 }
 
-// Whether every colour of the image is in the palette, so that nothing is lost and nothing owed.
-bool HasAll(const Job& job, const std::vector<IRGB>& palette) {
-  if (job.image.depth > 8 || job.mixed) return false;
-  return std::all_of(job.image.palette.begin(), job.image.palette.end(), [&palette](IRGB color) {
-    return std::any_of(palette.begin(), palette.end(),
-                       [color](IRGB other) { return imageio::Same(color, other); });
-  });
-}
-
 Halftone ChooseHalftone(const Job& job, Colors colors, const std::vector<IRGB>& palette) {
-  const bool exact = colors == Colors::Direct || colors == Colors::Own || HasAll(job, palette) ||
+  // Where every colour of the image is in the palette nothing is lost and nothing owed.
+  const bool complete = job.image.depth <= 8 && !job.mixed && HasAll(palette, job.image.palette);
+  const bool exact = colors == Colors::Direct || colors == Colors::Own || complete ||
                      (colors == Colors::Gray && palette.size() == 256);
   const bool nearest = exact || job.arguments.threshold;
   return Given(job.arguments.halftone, nearest ? Halftone::Nearest : Halftone::Diffusion);
@@ -195,7 +202,7 @@ Outcome ChooseSettings(const Arguments& arguments, const Wishes& wishes, const I
   settings.depth = ChooseDepth(job);
   const Colors colors = ChooseColors(job, settings.depth);
   chosen->adaptive = colors == Colors::Adaptive;
-  settings.palette = PaletteOf(job, colors, settings.depth);
+  settings.palette = PaletteOf(job, colors, settings);
   settings.writtenPalette = colors == Colors::Given ? wishes.palette.written : std::vector<IRGB>{};
   settings.halftone = ChooseHalftone(job, colors, settings.palette);
   settings.thresholds = wishes.thresholds;

@@ -44,7 +44,6 @@ Status FitPalette(pipeline::RowSource& source, Settings* settings) {
   direct.depth = pipeline::kDirectDepth;
   direct.palette.clear();
   direct.halftone = pipeline::Halftone::Nearest;
-  direct.invert = false;
   direct.layout = pipeline::Layout::Packed;
   Counter counter;
   RowSink sink = CountInto(counter);

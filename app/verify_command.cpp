@@ -50,7 +50,7 @@ constexpr Reference kReferences[] = {
     {"--depth 15", 0x965054b4},
     {"--depth 16 --size 50%", 0x634779c6},
     {"--depth 32 --enlarge smooth --size 150%", 0x5f392686},
-    {"--crop 301x203+37+11 --size 211", 0xd93bb1f3},
+    {"--crop 301x203+37+11 --size 211", 0x638858f3},
     {"--crop 301x203+37+11 --size 511x99 --reduce decimate", 0x4ba3b4a6},
     {"--size 37% --depth 1 --halftone diffusion", 0x569141fb},
     {"--depth 8 --palette gray | --size 45% | --enlarge smooth --size 230%", 0xe800b520},

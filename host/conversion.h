@@ -30,7 +30,8 @@ struct ConversionSetup {
   void* user = nullptr;                      // handed to `next`
   std::uint16_t bandLimit = kMostBandBytes;  // bytes in the largest band that `next` takes, 1 or more
   std::uint8_t halftoneMethod = kNearest;
-  std::uint8_t scaleDownMethod = 0;            // kDecimate, or anything else to keep thin features
+  std::uint8_t scaleDownMethod = 0;  // kDecimate, or anything else to keep thin features
+  std::uint32_t paperValue = 0;      // pixel value before the first line, which lines that merge differ from
   const std::uint8_t* ditherMatrix = nullptr;  // thresholds of ordered dither, copied; null: 8 x 8 Bayer
   std::uint8_t ditherWidth = 0;                // of a matrix that is given, 1 or more; kFixedBlock needs 64
   std::uint8_t ditherHeight = 0;               // thresholds or more

@@ -118,6 +118,9 @@ bool AddScalingLines(tagCRLA* context, const ConversionSetup& setup) {
   const std::size_t columns = setup.lineCapacity;
   context->ownedBuffer1 = AllocZeroed(SioSizeSMem(context->runLengths));
   context->ownedBuffer2 = AllocZeroed(SioSizeSMem(context->values));
+  // Merged lines take what differs from the line above: the first one from the paper. Averages need zeros.
+  if (context->ownedBuffer2 != nullptr && setup.paperValue != 0)
+    std::fill_n(static_cast<std::uint32_t*>(context->ownedBuffer2), columns, setup.paperValue);
   HostState* state = StateOf(context);
   state->smoothLine = static_cast<std::uint32_t*>(AllocZeroed(columns * sizeof(std::uint32_t)));
   state->smoothSums = static_cast<std::uint32_t*>(AllocZeroed(3 * columns * sizeof(std::uint32_t)));

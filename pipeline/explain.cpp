@@ -83,8 +83,8 @@ void Tell(const Worker& worker, std::vector<std::string>* lines) {
     lines->push_back(what + Size(link.width, link.height) + ", " + Pixels(link) + ", " +
                      Bands(link, first ? BandsOf(worker.stage) : link.bands) + (first ? "" : " from one band"));
   }
-  const Overlay& overlay = worker.stage.overlay;
-  if (overlay.image.width > 0) {
+  if (worker.stage.overlay != nullptr) {
+    const Overlay& overlay = *worker.stage.overlay;
     lines->push_back("overlay: " + Size(overlay.image.width, overlay.image.height) + " at " +
                      std::to_string(overlay.x) + ", " + std::to_string(overlay.y));
   }

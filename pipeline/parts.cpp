@@ -7,7 +7,7 @@
 namespace cvt::pipeline {
 namespace {
 
-constexpr std::int32_t kOverlap = 2;      // lines of the smaller image that a part starts before what it is for
+constexpr std::int32_t kOverlap = 3;      // lines of the smaller image that a part starts before what it is for
 constexpr std::int32_t kFewestLines = 8;  // of the smaller image in a part
 
 struct Cut {
@@ -39,10 +39,12 @@ Part PartOf(const Cut& cut, std::int32_t i) {
   return part;
 }
 
-bool IsMultiple(std::int32_t newHeight, std::int32_t height) { return newHeight % height == 0; }
+bool IsMultiple(std::int32_t newHeight, std::int32_t height) {
+  return newHeight > height && newHeight % height == 0;
+}
 
-// Every part must be small enough. Averages to a multiple of the height lie one source line lower: all parts
-// of an image must, or none.
+// Every part must be small enough. Averages to a multiple of the height lie one line lower: all parts of an image
+// must, or none.
 bool Serves(const Cut& cut) {
   for (std::int32_t i = 0; i < cut.parts; ++i) {
     const Part part = PartOf(cut, i);

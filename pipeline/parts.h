@@ -17,7 +17,7 @@ struct Part {
   std::int32_t firstIn = 0, rowsIn = 0;
   std::int32_t firstOut = 0, rowsOut = 0;  // that it is for
   std::int32_t dropped = 0;                // rows that come out before these
-  bool last = true;                        // nothing follows; else it takes the row behind its last as well
+  bool last = true;                        // nothing follows; else it takes RowsAhead more behind its last
 };
 
 /// The fewest parts by which a height can be averaged to another; 1 where none would do.

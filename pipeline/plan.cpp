@@ -10,7 +10,6 @@
 namespace cvt::pipeline {
 namespace {
 
-constexpr std::int32_t kMiddleThreshold = 128;
 constexpr std::uint8_t kOrdered = 0;  // neither nearest nor diffusion
 constexpr std::uint8_t kKeepFeatures = 0;
 
@@ -36,11 +35,16 @@ std::vector<IRGB> WantedColors(const Settings& settings) {
   return colors;
 }
 
+ToneCurve GammaCurve(double gamma) {
+  ToneCurve tone;
+  host::BuildGamma(gamma, tone.data());
+  return tone;
+}
+
 // What happens to channel values on their way in. Direct colour is not matched against anything, so that it
 // is inverted here.
 ToneCurve Tone(const Settings& settings) {
-  ToneCurve tone;
-  host::BuildGamma(settings.gamma, tone.data());
+  ToneCurve tone = GammaCurve(settings.gamma);
   if (settings.invert && IsDirect(settings.depth))
     for (std::uint8_t& level : tone) level = static_cast<std::uint8_t>(255 - level);
   return tone;
@@ -80,18 +84,32 @@ bool ScalesSmoothly(const Image& from, const Image& to, const Settings& settings
          (Grows(from, to) && settings.enlarge == Enlarge::Smooth);
 }
 
-// The pixel value of the colour to keep. Values of direct colour reach 16 bits only where red is 0.
+// The value of the colour that is least like another.
+std::uint32_t FarthestEntry(const std::vector<IRGB>& colors, IRGB from) {
+  const auto distance = [from](IRGB color) {
+    const std::int32_t red = color.red - from.red, green = color.green - from.green, blue = color.blue - from.blue;
+    return red * red + green * green + blue * blue;
+  };
+  const auto farthest = std::max_element(colors.begin(), colors.end(),
+                                         [&distance](IRGB a, IRGB b) { return distance(a) < distance(b); });
+  return static_cast<std::uint32_t>(farthest - colors.begin());
+}
+
+// The pixel values of the colour to keep, and of the paper that it is drawn on. Values of direct colour reach 16
+// bits only where red is 0.
 Status FindKeepValue(const Settings& settings, Stage* stage) {
   const IRGB color = settings.keepColor;
   const std::vector<IRGB>& colors = stage->entry.colors;
   if (!colors.empty()) {
     stage->keepValue = static_cast<std::int16_t>(host::NearestEntry({colors.data(), colors.size()}, color));
+    stage->paperValue = FarthestEntry(colors, color);
     return Ok();
   }
   if (color.red != 0 || color.green > 127)
     return Fail(Code::Usage,
                 "this colour cannot be kept in an image of direct colour (keep black, or reduce smooth)");
   stage->keepValue = static_cast<std::int16_t>(color.green << 8 | color.blue);
+  stage->paperValue = 0xFFFFFF;
   return Ok();
 }
 
@@ -114,16 +132,25 @@ std::int32_t FewestBandLines(const Stage& stage) {
   return fewest;
 }
 
+std::int32_t ScaledLine(const Stage& stage) {
+  const Layout layout = BandLayout(stage.entry);
+  return BandLineBytes(layout, stage.output.width, BandBits(layout, BandDepth(stage.entry)));
+}
+
+std::int32_t OutputLine(const Image& to) {
+  return BandLineBytes(to.layout, to.width, BandBits(to.layout, to.depth));
+}
+
+// Planes pad their rows one by one: bands that enlarging has filled may not fit a block any more.
+bool OutgrowsBlock(const Stage& stage) {
+  const Image& to = stage.output;
+  return Grows(stage.entry.image, to) && to.layout == Layout::Planes && OutputLine(to) > ScaledLine(stage);
+}
+
 // Neither a band nor, however it is split, what becomes of it may outgrow a block.
 std::int32_t MostBandLines(const Stage& stage, const Settings& settings) {
-  const Image& to = stage.output;
-  const Layout layout = BandLayout(stage.entry);
-  const std::int32_t bits = BandBits(layout, BandDepth(stage.entry));
-  const std::int32_t sourceLine = BandLine(stage.entry);
-  const std::int32_t scaledLine = BandLineBytes(layout, to.width, bits);
-  const std::int32_t outputLine = BandLineBytes(to.layout, to.width, BandBits(to.layout, to.depth));
-  const std::int32_t most =
-      std::min(kBandBytes / std::max({sourceLine, scaledLine, outputLine}), stage.entry.image.height);
+  const std::int32_t longest = std::max({BandLine(stage.entry), ScaledLine(stage), OutputLine(stage.output)});
+  const std::int32_t most = std::min(kBandBytes / longest, stage.entry.image.height);
   if (settings.bandLines == 0) return most;
   return std::min(most, std::max(settings.bandLines, FewestBandLines(stage)));
 }
@@ -194,9 +221,9 @@ Status AddStage(const Settings& step, Image* image, Plan* plan) {
   return Ok();
 }
 
-// What follows on averages in parts, error diffusion say, must not notice the parts: it is a stage of its own.
-Status AddParts(const Settings& settings, const Stage& last, Image* image, Plan* plan) {
-  Settings step = Averaging(*image, settings, last);
+// Scales in a stage of its own, so that what follows, error diffusion say, does not notice parts or full bands.
+Status AddScaling(const Settings& settings, const Stage& last, Image* image, Plan* plan) {
+  Settings step = last.smooth ? Averaging(*image, settings, last) : Unchanged(*image, settings);
   step.enlarge = settings.enlarge;
   step.width = last.output.width;
   step.height = last.output.height;
@@ -207,7 +234,8 @@ Status AddParts(const Settings& settings, const Stage& last, Image* image, Plan*
 //
 // The width goes first, since narrower lines make taller bands: all the way where pixels are sampled or
 // merged, as the routines would do next; by halves where they are averaged, of grays or direct colour, since
-// every average costs a little sharpness.
+// every average costs a little sharpness. Lines are sampled or merged to a multiple of the lines wanted, which
+// ends in the lines that one step would choose.
 Status AddStep(const Settings& settings, const Stage& last, Image* image, Plan* plan) {
   Settings step = last.smooth ? Averaging(*image, settings, last) : Unchanged(*image, settings);
   step.width = std::min(image->width, last.output.width);
@@ -215,15 +243,18 @@ Status AddStep(const Settings& settings, const Stage& last, Image* image, Plan* 
   if (last.smooth) {
     step.width = std::min(image->width, std::max(last.output.width, (image->width + 1) / 2));
     if (step.width == image->width && last.bandLines > 2) step.height = (image->height + 1) / 2;
+  } else if (step.width == image->width && last.bandLines > 1) {
+    const std::int32_t group = FewestBandLines(last);
+    step.height = last.output.height * ((group + last.bandLines - 1) / last.bandLines);
   }
   if (step.width == image->width && step.height == image->height)
     return Fail(Code::Limit, "the lines are too long to reduce the height so far at once (reduce in two steps)");
   return AddStage(step, image, plan);
 }
 
-// Averaging loses step where a band ends together with an output line: its last line counts again in the
-// next band. Such cuts are avoided; where there are no others, the first line is a band of its own, and what
-// counts again is the edge.
+// Averaging loses step where a band ends together with an output line: it makes one more line, which is lost.
+// Such cuts are avoided; where there are no others, the first line is a band of its own, so that the loss is at
+// the edge.
 std::int32_t SmoothLinesFrom(const Stage& stage, std::int32_t top, std::int32_t lines) {
   const std::int32_t height = stage.entry.image.height;
   if (top + lines == height) return lines;
@@ -233,6 +264,15 @@ std::int32_t SmoothLinesFrom(const Stage& stage, std::int32_t top, std::int32_t 
 
 }  // namespace
 
+std::vector<IRGB> ToneOf(const Settings& settings, std::vector<IRGB> colors) {
+  const ToneCurve tone = GammaCurve(settings.gamma);
+  for (IRGB& color : colors) {
+    color = {tone[color.red], tone[color.green], tone[color.blue]};
+    if (settings.invert) color = Complement(color);
+  }
+  return colors;
+}
+
 std::int32_t LinesFrom(const Stage& stage, std::int32_t top) {
   const std::int32_t height = stage.entry.image.height, newHeight = stage.output.height;
   const std::int32_t lines = std::min(stage.bandLines, height - top);
@@ -241,6 +281,13 @@ std::int32_t LinesFrom(const Stage& stage, std::int32_t top) {
   // Output line k is made of the source lines from k * height / newHeight, rounded up.
   const std::int64_t ended = std::int64_t{top + lines} * newHeight / height;
   return static_cast<std::int32_t>((ended * height + newHeight - 1) / newHeight) - top;
+}
+
+std::int32_t RowsAhead(const Stage& stage) {
+  const std::int32_t height = stage.entry.image.height;
+  if (!stage.smooth) return 0;
+  const bool losesLine = stage.output.height == height && stage.bandLines < height;
+  return std::min(losesLine ? 2 : 1, height - 1);
 }
 
 Status MakePlan(const Image& image, const Settings& settings, Plan* plan) {
@@ -255,13 +302,13 @@ Status MakePlan(const Image& image, const Settings& settings, Plan* plan) {
     Stage last;
     if (Status bad = FinalStage(next, rest, &last); Failed(bad)) return bad;
     const bool enough = last.bandLines >= FewestBandLines(last);
-    if (enough && last.parts == 1) {
+    if (enough && last.parts == 1 && !OutgrowsBlock(last)) {
       if (Status bad = CheckOverlay(settings.overlay, last.output); Failed(bad)) return bad;
-      last.overlay = settings.overlay;
+      if (settings.overlay.image.width > 0) last.overlay = std::make_shared<const Overlay>(settings.overlay);
       plan->stages.push_back(last);
       return Ok();
     }
-    Status bad = enough ? AddParts(rest, last, &next, plan) : AddStep(rest, last, &next, plan);
+    Status bad = enough ? AddScaling(rest, last, &next, plan) : AddStep(rest, last, &next, plan);
     if (Failed(bad)) return bad;
     if (last.smooth) rest.gamma = 1.0;  // the step has applied it
   }

@@ -14,8 +14,9 @@ TakeRowFunction Numbered(Run* run, const Part& part) {
   };
 }
 
-bool Wants(const Part& part, std::int32_t y) {
-  const std::int32_t rows = part.rowsIn + (part.last ? 0 : 1);
+bool Wants(const RunningPart& running, std::int32_t y) {
+  const Part& part = running.part;
+  const std::int32_t rows = part.rowsIn + (part.last ? 0 : RowsAhead(running.worker.stage));
   return y >= part.firstIn && y < part.firstIn + rows;
 }
 
@@ -37,7 +38,7 @@ Status StartRun(const Stage& stage, TakeRowFunction next, Run* run) {
 Status PushRow(Run* run, const std::uint8_t* row) {
   const std::int32_t y = run->rowsIn++;
   for (const std::unique_ptr<RunningPart>& running : run->parts) {
-    if (!Wants(running->part, y)) continue;
+    if (!Wants(*running, y)) continue;
     if (Status bad = PushRow(&running->worker, row); Failed(bad)) return bad;
   }
   return Ok();

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <new>
 #include <string>
 
 #include "cvt/cvtr2r.h"
@@ -85,14 +86,27 @@ const std::uint8_t* RowOf(Worker* worker, tagRasterPacked* band, std::size_t lin
   return worker->stage.output.depth == kDirectDepth ? ColorsOf(worker, pixels, band->width) : pixels;
 }
 
+// The library in between knows no exceptions: the one that sinks may throw ends here.
+Status HandOn(Worker* worker, tagRasterPacked* band) {
+  try {
+    for (std::int32_t i = 0; i < band->lineCount; ++i) {
+      Status bad = worker->next(band->top + i, RowOf(worker, band, static_cast<std::size_t>(i)));
+      if (Failed(bad)) return bad;
+    }
+    return Ok();
+  } catch (const std::bad_alloc&) {
+    return OutOfMemory();
+  }
+}
+
 std::int16_t TakeBand(void* user, tagRasterPacked* band) {
   auto* worker = static_cast<Worker*>(user);
   if (!StampBand(&worker->stamp, band)) return kCvtNoMemory;
-  for (std::int32_t i = 0; i < band->lineCount; ++i, ++worker->rowsOut) {
-    worker->status = worker->next(band->top + i, RowOf(worker, band, static_cast<std::size_t>(i)));
-    if (Failed(worker->status)) return kNextFailed;
-  }
-  return 0;
+  host::HeapWatch keeping;  // what a sink takes from the heap is its own, whatever becomes of the band
+  host::BeginWatch(&keeping);
+  worker->status = HandOn(worker, band);
+  host::EndWatch(&keeping, false);
+  return Failed(worker->status) ? kNextFailed : 0;
 }
 
 // ---- Links ----
@@ -135,6 +149,7 @@ tagCRLA* OpenContext(Worker* worker) {
   setup.bandLimit = kBandBytes;
   setup.halftoneMethod = stage.halftoneMethod;
   setup.scaleDownMethod = stage.scaleDownMethod;
+  setup.paperValue = stage.paperValue;
   setup.threshold = stage.threshold;
   if (!thresholds.values.empty()) {
     setup.ditherMatrix = thresholds.values.data();
@@ -180,20 +195,41 @@ Status SendBand(Worker* worker) {
   return StatusOf(status, *worker);
 }
 
-// Averages lag by one pixel: pixels enter one ahead, the last one twice.
+// Averages lag by one pixel: pixels enter one ahead, the last one twice. The first would be lost: it is the mean
+// of the first two instead.
 void AdvanceLine(Worker* worker) {
   const Entry& entry = worker->stage.entry;
   const std::size_t pixel = entry.intake == Intake::DirectWords ? 4 : 1;
   const auto width = static_cast<std::size_t>(entry.image.width);
   const auto stride = static_cast<std::size_t>(BandLine(entry));
   std::uint8_t* line = PixelsOf(worker->band.get()) + static_cast<std::size_t>(worker->filled) * stride;
-  std::memmove(line, line + pixel, (width - 1) * pixel);
+  if (width == 1) return;
+  for (std::size_t i = 0; i < pixel; ++i) line[i] = static_cast<std::uint8_t>((line[i] + line[pixel + i]) / 2);
+  std::memmove(line + pixel, line + 2 * pixel, (width - 2) * pixel);
+}
+
+// Rows that enter ahead would be lost: the first that enters is the mean of them and itself.
+void AddToLead(Worker* worker) {
+  const std::uint8_t* line = PixelsOf(worker->band.get());
+  worker->lead.resize(static_cast<std::size_t>(BandLine(worker->stage.entry)));
+  for (std::uint16_t& sum : worker->lead) sum = static_cast<std::uint16_t>(sum + *line++);
+}
+
+void EnterLead(Worker* worker) {
+  if (worker->lead.empty()) return;
+  AddToLead(worker);
+  std::uint8_t* line = PixelsOf(worker->band.get());
+  for (const std::uint16_t sum : worker->lead) *line++ = static_cast<std::uint8_t>(sum / worker->rowsIn);
+  worker->lead.clear();
 }
 
 Status AddRow(Worker* worker, const std::uint8_t* row) {
   if (worker->filled == 0) StartBand(worker);
   TakeRow(worker->stage.entry, row, &worker->indices, worker->band.get(), worker->filled);
-  if (worker->stage.smooth) AdvanceLine(worker);
+  if (worker->stage.smooth) {
+    EnterLead(worker);
+    AdvanceLine(worker);
+  }
   if (++worker->filled < worker->band->lineCount) return Ok();
   worker->filled = 0;
   return SendBand(worker);
@@ -213,14 +249,19 @@ Status StartWorker(const Stage& stage, TakeRowFunction next, Worker* worker) {
 }
 
 Status PushRow(Worker* worker, const std::uint8_t* row) {
-  const std::int32_t rows = worker->stage.entry.image.height;
+  const Stage& stage = worker->stage;
+  const std::int32_t ahead = RowsAhead(stage);
   const std::int32_t y = worker->rowsIn++;
-  if (!worker->stage.smooth || rows == 1) return AddRow(worker, row);
-  // Averages lag by one row, so rows enter one ahead: without the first, and with the last twice where none
-  // comes behind it.
-  if (y == 0) return Ok();
-  if (Status bad = AddRow(worker, row); Failed(bad)) return bad;
-  return y + 1 == rows && !worker->stage.goesOn ? AddRow(worker, row) : Ok();
+  if (y < ahead) {
+    TakeRow(stage.entry, row, &worker->indices, worker->band.get(), 0);
+    AddToLead(worker);
+    return Ok();
+  }
+  if (Status bad = AddRow(worker, row); Failed(bad) || y + 1 < stage.entry.image.height || stage.goesOn)
+    return bad;
+  for (std::int32_t i = 0; i < ahead; ++i)  // none comes behind the last row: it stands for what would
+    if (Status bad = AddRow(worker, row); Failed(bad)) return bad;
+  return Ok();
 }
 
 }  // namespace cvt::pipeline

@@ -41,8 +41,9 @@ struct Worker {
   Stamp stamp = {};
   std::int32_t top = 0;     // of the band that is being filled
   std::int32_t filled = 0;  // its lines so far
-  std::int32_t rowsIn = 0, rowsOut = 0;
+  std::int32_t rowsIn = 0;
   std::vector<std::uint8_t> indices = {}, row = {};  // scratch rows, in and out
+  std::vector<std::uint16_t> lead = {};              // averages: sums of the rows before the first that enters
   Status status = {};                                // why `next` ended the work
   std::vector<LinkSeen> links = {};                  // filled when `watched`, first link first
   std::size_t level = 0;                             // links that are running

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <utility>
 
 #include "cvt/cvtr2r.h"
 #include "host/tables.h"
@@ -23,8 +24,8 @@ std::uint32_t ValueOf(IRGB color, const Image& output) {
 
 // One line of the overlay, as the line buffer that the writers take it from.
 tagCRLA LineOf(Stamp* stamp, std::int32_t line) {
-  const Image& image = stamp->overlay.image;
-  UnpackIndices(image, stamp->overlay.rows.data() + RowBytes(image) * static_cast<std::size_t>(line),
+  const Image& image = stamp->overlay->image;
+  UnpackIndices(image, stamp->overlay->rows.data() + RowBytes(image) * static_cast<std::size_t>(line),
                 stamp->indices.data());
   std::transform(stamp->indices.begin(), stamp->indices.end(), stamp->values.begin(),
                  [stamp](std::uint8_t index) { return stamp->valueOf[index]; });
@@ -38,7 +39,7 @@ tagCRLA LineOf(Stamp* stamp, std::int32_t line) {
 // Calls write(line buffer, x, y) for every line of the overlay that lies in the band.
 template <class Write>
 void ForEachLine(Stamp* stamp, const tagRasterPacked* band, Write write) {
-  const Overlay& overlay = stamp->overlay;
+  const Overlay& overlay = *stamp->overlay;
   const std::int32_t end = std::min(overlay.y + overlay.image.height, band->top + band->lineCount);
   for (std::int32_t y = std::max(overlay.y, std::int32_t{band->top}); y < end; ++y) {
     tagCRLA line = LineOf(stamp, y - overlay.y);
@@ -68,10 +69,11 @@ bool StampPacked(Stamp* stamp, tagRasterPacked* band) {
 
 }  // namespace
 
-Stamp MakeStamp(const Overlay& overlay, const Image& output) {
+Stamp MakeStamp(std::shared_ptr<const Overlay> shared, const Image& output) {
   Stamp stamp;
-  if (overlay.image.width == 0) return stamp;
-  stamp.overlay = overlay;
+  if (shared == nullptr) return stamp;
+  stamp.overlay = std::move(shared);
+  const Overlay& overlay = *stamp.overlay;
   const std::uint32_t mark = MarkFor(output.depth);
   stamp.transparency.resize(std::size_t{mark} + 1);
   stamp.transparency[mark] = 1;
@@ -86,7 +88,7 @@ Stamp MakeStamp(const Overlay& overlay, const Image& output) {
 }
 
 bool StampBand(Stamp* stamp, tagRasterPacked* band) {
-  if (stamp->overlay.image.width == 0) return true;
+  if (stamp->overlay == nullptr) return true;
   return LayoutOf(band) == Layout::Planes ? StampPlanes(stamp, band) : StampPacked(stamp, band);
 }
 

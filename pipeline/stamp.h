@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 #include "pipeline/convert.h"
@@ -12,7 +13,7 @@ namespace cvt::pipeline {
 /// An overlay in pixel values of the output. Transparent pixels have a value that no output pixel has; it is
 /// the one that the transparency table marks.
 struct Stamp {
-  Overlay overlay;
+  std::shared_ptr<const Overlay> overlay;
   std::vector<std::uint32_t> valueOf;      // of each index of the overlay
   std::vector<std::uint8_t> transparency;  // by value
   std::vector<std::uint8_t> indices;       // one line of the overlay,
@@ -20,8 +21,8 @@ struct Stamp {
   std::vector<std::uint32_t> values;
 };
 
-/// Empty where there is no overlay.
-Stamp MakeStamp(const Overlay& overlay, const Image& output);
+/// Empty where there is no overlay, which is null then.
+Stamp MakeStamp(std::shared_ptr<const Overlay> overlay, const Image& output);
 
 /// Lays the overlay over the lines of a band. False when memory is exhausted.
 bool StampBand(Stamp* stamp, tagRasterPacked* band);

@@ -7,8 +7,6 @@
 namespace cvt::pipeline {
 namespace {
 
-constexpr std::int32_t kMiddleThreshold = 128;
-
 // The low bits of four pixels of two bits each, side by side in the low half of a byte.
 std::uint8_t LowBits(std::uint32_t pairs) {
   return static_cast<std::uint8_t>((pairs >> 3 & 8) | (pairs >> 2 & 4) | (pairs >> 1 & 2) | (pairs & 1));

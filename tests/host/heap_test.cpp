@@ -20,7 +20,6 @@ TEST(Heap, KeepsBooksOfLiveBlocks) {
   heapUse.peakBytes = heapUse.liveBytes;
   void* a = SioAllocSMem(100);
   void* none = SioAllocSMem(0);
-  ASSERT_TRUE(a != nullptr && none != nullptr);
   EXPECT_EQ(SioSizeSMem(a), 100U);
   EXPECT_EQ(SioSizeSMem(none), 0U);
   EXPECT_EQ(reinterpret_cast<std::uintptr_t>(a) % alignof(std::max_align_t), 0U);
@@ -36,29 +35,19 @@ TEST(Heap, KeepsBooksOfLiveBlocks) {
   EXPECT_EQ(heapUse.liveBytes, before.liveBytes);
 }
 
-TEST(Heap, FailsTheOneAllocationThatWasAskedFor) {
-  heapUse.failIn = 2;
-  void* first = SioAllocSMem(1);
-  void* second = SioAllocSMem(1);
-  void* third = SioAllocSMem(1);
-  EXPECT_TRUE(first != nullptr && second == nullptr && third != nullptr);
-  SioFreeSMem(first);
-  SioFreeSMem(third);
-}
-
 TEST(Heap, PutsCodeAndSizeBeforeAnOperation) {
-  struct Case {
+  const struct {
     const char* what;
     std::uint32_t code, size;
     bool granted;
     std::uint16_t prefix[2];
-  };
-  const Case cases[] = {{"an empty band", kPackedBand, 12, true, {21, 12}},
-                        {"the largest band", kPlaneBand, 65535, true, {20, 65535}},
-                        {"a band larger than its prefix can tell", kPackedBand, 65536, false, {}},
-                        {"another operation tells the low bits", 7, 65536 + 5, true, {7, 5}},
-                        {"a size that would wrap", 7, 0xFFFFFFFD, false, {}}};
-  for (const Case& c : cases) {
+  } cases[] = {{"an empty band", kPackedBand, 12, true, {21, 12}},
+               {"the largest band", kPlaneBand, 65535, true, {20, 65535}},
+               {"a band larger than its prefix can tell", kPackedBand, 65536, false, {}},
+               {"planes larger than that", kPlaneBand, 65536, false, {}},
+               {"another operation tells the low bits", 7, 65536 + 5, true, {7, 5}},
+               {"a size that would wrap", 7, 0xFFFFFFFD, false, {}}};
+  for (const auto& c : cases) {
     const HeapUse before = heapUse;
     void* operation = SioCreateOp(c.code, c.size);
     ASSERT_EQ(operation != nullptr, c.granted) << c.what;
@@ -66,7 +55,6 @@ TEST(Heap, PutsCodeAndSizeBeforeAnOperation) {
     EXPECT_EQ(std::memcmp(PrefixOf(operation), c.prefix, 4), 0) << c.what;
     EXPECT_EQ(heapUse.liveBytes, before.liveBytes + c.size + 4) << c.what;
     SioFreeSMem(PrefixOf(operation));
-    EXPECT_EQ(heapUse.liveBytes, before.liveBytes) << c.what;
   }
 }
 
@@ -91,7 +79,6 @@ TEST(OpList, OwnsWhatItTookAndReportsWhatItCouldNotTake) {
   SioPutOp(&list, &operation);
   EXPECT_EQ(operation, kept);
   EXPECT_EQ(SioGetOpError(&list), kSioListNoMemory);
-  EXPECT_EQ(SioGetOpError(&list), kSioListNoMemory);
   SioFreeSMem(PrefixOf(kept));
   EmptyOpList(&list);
   EXPECT_EQ(heapUse.liveBlocks, before.liveBlocks);
@@ -101,7 +88,7 @@ TEST(OpList, TakesACopyOfABandOrTellsWhyNot) {
   const HeapUse before = heapUse;
   tagOpList list;
   auto* band = static_cast<tagRasterPacked*>(SioCreateOp(kPackedBand, kBandHeaderBytes));
-  *band = {1, 2, 3, 0, 8, 0};
+  *band = {1, 2, 3, 0, 8, 0x0909};
   EXPECT_EQ(PutBandCopy(nullptr, band), kSioListClosed);
   for (int failing : {1, 2}) {  // the copy, the list's room
     heapUse.failIn = failing;
@@ -131,7 +118,9 @@ TEST(HeapWatch, SweepsUpWhatAFailureLeftAndNothingElse) {
   EXPECT_EQ(heapUse.liveBlocks, before + 4);
   SioFreeSMem(left);
   SioAllocSMem(60);
-  SioAllocSMem(70);
+  void* between = SioAllocSMem(70);
+  SioAllocSMem(80);
+  SioFreeSMem(between);
   SioFreeSMem(earlier);
   EndWatch(&outer, true);
   EXPECT_EQ(heapUse.liveBlocks, before + 2);  // the two that the inner watch let live on

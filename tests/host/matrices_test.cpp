@@ -6,9 +6,9 @@
 
 #include <algorithm>
 #include <string>
-#include <vector>
 
 #include "host/uniform_cube.h"
+#include "setups.h"
 
 namespace cvt::host {
 namespace {
@@ -32,28 +32,23 @@ TEST(Matrices, TurnAsManyPlacesWhiteAsTheGrayLevelSays) {
     EXPECT_EQ(WhiteAt(matrix, 255), matrix.values.size()) << name;
   }
   EXPECT_FALSE(MatrixNamed("bayer3").has_value());
-  EXPECT_FALSE(MatrixNamed("").has_value());
 }
 
+// A matrix of twice the size is four copies of the smaller one, which the smallest one tells apart.
 TEST(Matrices, FollowBayersOrder) {
   EXPECT_EQ(MatrixNamed("bayer2")->values, (std::vector<std::uint8_t>{31, 159, 223, 95}));
-  constexpr int kOrder[16] = {0, 8, 2, 10, 12, 4, 14, 6, 3, 11, 1, 9, 15, 7, 13, 5};
-  const Matrix matrix = MatrixNamed("bayer4").value();
-  for (std::size_t i = 0; i < 16; ++i) EXPECT_EQ(matrix.values[i] / 16, kOrder[i]) << i;
-}
-
-// At every level each quarter of the tile has its share of the white places, and each quarter of that too.
-TEST(Matrices, SpreadBayersPlacesEvenly) {
-  for (const std::string_view name : {"bayer8", "bayer16"}) {
-    const Matrix matrix = MatrixNamed(name).value();
-    const std::size_t side = matrix.width, blocks = side / 2;  // blocks of 2 x 2 in both directions
-    for (int gray = 0; gray <= 255; ++gray) {
-      std::vector<int> white(blocks * blocks);
-      for (std::size_t i = 0; i < matrix.values.size(); ++i)
-        white[i / side / 2 * blocks + i % side / 2] += matrix.values[i] < gray ? 1 : 0;
-      const auto [least, most] = std::minmax_element(white.begin(), white.end());
-      EXPECT_LE(*most - *least, 1) << name << " at " << gray;
-    }
+  const auto rank = [](const Matrix& matrix, std::size_t x, std::size_t y) {
+    return static_cast<int>(matrix.values[y * matrix.width + x] * matrix.values.size() / 256);
+  };
+  const Matrix two = MatrixNamed("bayer2").value();
+  for (const auto& [half, name] : {std::pair{"bayer2", "bayer4"}, {"bayer4", "bayer8"}, {"bayer8", "bayer16"}}) {
+    const Matrix small = MatrixNamed(half).value(), large = MatrixNamed(name).value();
+    const std::size_t side = small.width;
+    for (std::size_t y = 0; y < 2 * side; ++y)
+      for (std::size_t x = 0; x < 2 * side; ++x)
+        EXPECT_NEAR(rank(large, x, y), 4 * rank(small, x % side, y % side) + rank(two, x / side, y / side),
+                    side == 8 ? 1 : 0)  // 256 places share 255 thresholds
+            << name;
   }
 }
 
@@ -81,31 +76,20 @@ int PiecesOf(const Matrix& matrix, int gray, bool white) {
 }
 
 TEST(Matrices, GrowClustersInOnePieceEach) {
-  const struct {
-    const char* name;
-    int dots;
-  } cases[] = {{"cluster4", 1}, {"cluster8", 2}};
-  for (const auto& c : cases) {
-    const Matrix matrix = MatrixNamed(c.name).value();
-    for (int gray = 1; gray < 255; ++gray) {
-      const bool whiteIsFewer = gray < 128;
-      EXPECT_LE(PiecesOf(matrix, gray, whiteIsFewer), c.dots) << c.name << " at " << gray;
-    }
+  constexpr int kOrder[16] = {3, 10, 8, 2, 11, 15, 14, 9, 6, 13, 12, 4, 1, 7, 5, 0};
+  for (std::size_t i = 0; i < 16; ++i) EXPECT_EQ(MatrixNamed("cluster4")->values[i] / 16, kOrder[i]) << i;
+  for (const auto& [name, dots] : {std::pair{"cluster4", 1}, {"cluster8", 2}}) {
+    const Matrix matrix = MatrixNamed(name).value();
+    for (int gray = 1; gray < 255; ++gray)  // of the color that is fewer
+      EXPECT_LE(PiecesOf(matrix, gray, gray < 128), dots) << name << " at " << gray;
   }
 }
 
 TEST(UniformCube, HasRedFirstAndWhiteAtTheFront) {
-  const std::vector<IRGB> eight = UniformCube(2), web = UniformCube(6);
-  const int expected[8][3] = {{255, 255, 255}, {0, 255, 255}, {255, 0, 255}, {0, 0, 255},
-                              {255, 255, 0},   {0, 255, 0},   {255, 0, 0},   {0, 0, 0}};
-  ASSERT_EQ(eight.size(), 8U);
-  for (std::size_t i = 0; i < 8; ++i)
-    EXPECT_TRUE(eight[i].red == expected[i][0] && eight[i].green == expected[i][1] &&
-                eight[i].blue == expected[i][2])
-        << i;
+  const Colors web = UniformCube(6);
   ASSERT_EQ(web.size(), 216U);
-  EXPECT_TRUE(web[1 + 6 * 2 + 36 * 5].red == 204 && web[1 + 6 * 2 + 36 * 5].green == 153 &&
-              web[1 + 6 * 2 + 36 * 5].blue == 0);
+  EXPECT_EQ(web.front(), (IRGB{255, 255, 255}));
+  EXPECT_EQ(web[1 + 6 * 2 + 36 * 5], (IRGB{204, 153, 0}));
   const std::uint8_t fifths[] = {255, 191, 128, 64, 0};
   for (std::uint32_t level = 0; level < 5; ++level) EXPECT_EQ(CubeChannel(level, 5), fifths[level]);
 }
@@ -113,7 +97,7 @@ TEST(UniformCube, HasRedFirstAndWhiteAtTheFront) {
 TEST(UniformCube, IsRecognisedByItsColorsInOrder) {
   const std::uint32_t levels[] = {0, 0, 0, 2, 2, 3, 4, 5, 6, 0, 0};
   for (std::uint32_t bits = 0; bits <= 10; ++bits) EXPECT_EQ(CubeLevels(bits), levels[bits]) << bits;
-  std::vector<IRGB> colors = UniformCube(3);
+  Colors colors = UniformCube(3);
   EXPECT_TRUE(StartsWithCube({colors.data(), 27}, 3));
   EXPECT_FALSE(StartsWithCube({colors.data(), 26}, 3));
   EXPECT_FALSE(StartsWithCube({colors.data(), 27}, 2));

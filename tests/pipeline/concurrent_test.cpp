@@ -1,4 +1,5 @@
-// Conversions at the same time, each with a context of its own: nothing of one is seen in another.
+// Conversions at the same time, each with a context of its own: nothing of one is seen in another. And in bands
+// of any height, of which nothing is seen either.
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -14,7 +15,7 @@ using namespace cvt::pipeline;
 struct Work {
   Picture picture;
   Settings settings;
-  std::vector<std::uint32_t> alone;  // what it gives when nothing else runs
+  std::vector<std::uint32_t> alone;  // what it gives in bands as tall as may be, when nothing else runs
 };
 
 // Every halftone on every kind of source and output, scaled in every way; no two have equal sizes.
@@ -23,23 +24,22 @@ std::vector<Work> AllWork() {
                            {61, 43, 4, GrayRamp(4), Layout::Planes},
                            {61, 43, 8, GrayRamp(8)},
                            {61, 43, kDirectDepth}};
+  const std::int32_t depths[] = {1, 3, 8};
+  const Halftone halftones[] = {Halftone::Nearest, Halftone::Diffusion, Halftone::Ordered};
   const Reduce reduces[] = {Reduce::Keep, Reduce::Decimate, Reduce::Smooth};
   std::vector<Work> work;
-  for (const Image& source : sources) {
-    for (const std::int32_t depth : {1, 3, 8}) {
-      for (const Halftone halftone : {Halftone::Nearest, Halftone::Diffusion, Halftone::Ordered}) {
-        const auto i = static_cast<std::uint32_t>(work.size());
-        Settings settings{.depth = depth, .palette = GrayRamp(depth), .halftone = halftone};
-        settings.layout = i % 2 == 0 ? Layout::Packed : Layout::Planes;
-        settings.reduce = reduces[i % 3];
-        settings.enlarge = i % 4 == 0 ? Enlarge::Smooth : Enlarge::Replicate;
-        settings.width = static_cast<std::int32_t>(20 + 2 * i);
-        settings.height = static_cast<std::int32_t>(30 + i);
-        settings.gamma = 1.0 + 0.1 * (i % 5);
-        work.push_back({NoisePicture(source, i), settings, {}});
-        work.back().alone = Convert(work.back().picture, settings).pixels;
-      }
-    }
+  for (std::int32_t i = 0; i < 4 * 3 * 3; ++i) {
+    const std::int32_t depth = depths[i / 3 % 3];
+    Settings settings{.depth = depth, .palette = GrayRamp(depth), .halftone = halftones[i % 3]};
+    if (i / 9 == 3) settings.palette = Distinct(std::size_t{1} << depth);
+    settings.gamma = 1.0 + 0.1 * (i % 5);
+    settings.layout = i % 2 == 0 ? Layout::Packed : Layout::Planes;
+    settings.width = 20 + 2 * i;
+    settings.height = 30 + i;
+    settings.reduce = reduces[i % 3];
+    settings.enlarge = i % 4 == 0 ? Enlarge::Smooth : Enlarge::Replicate;
+    const Picture picture = NoisePicture(sources[i / 9], static_cast<std::uint32_t>(i));
+    work.push_back({picture, settings, Convert(picture, settings).pixels});
   }
   return work;
 }
@@ -58,6 +58,16 @@ TEST(Concurrent, EachConversionGivesWhatItGivesAlone) {
   for (std::size_t i = 0; i < kThreads; ++i) threads.emplace_back(run);
   threads.clear();  // waits for them
   EXPECT_EQ(different, 0U);
+}
+
+TEST(Bands, AreNotSeenInWhatAConversionGives) {
+  for (Work& one : AllWork())
+    for (const std::int32_t lines : {1, 2, 9, 20}) {
+      one.settings.bandLines = lines;
+      EXPECT_EQ(Convert(one.picture, one.settings).pixels, one.alone)
+          << one.picture.image.depth << " bits to " << one.settings.width << " x " << one.settings.height
+          << " in bands of " << lines;
+    }
 }
 
 }  // namespace
