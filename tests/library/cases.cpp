@@ -1,4 +1,5 @@
 // The cases: plain ones by hand and random ones by number.
+#include <bit>
 #include <cstdlib>
 
 #include "tests/library/harness.h"
@@ -10,20 +11,6 @@ namespace {
 std::uint32_t Variable(const char* name, std::uint32_t otherwise) {
   const char* text = std::getenv(name);
   return text == nullptr ? otherwise : static_cast<std::uint32_t>(std::strtoul(text, nullptr, 10));
-}
-
-std::uint8_t Byte(int value) { return static_cast<std::uint8_t>(value); }
-std::uint16_t Word(int value) { return static_cast<std::uint16_t>(value); }
-
-void FillPixels(Dice& dice, std::vector<std::uint8_t>& pixels) {
-  const int style = dice.Between(0, 3);
-  const int level = dice.Between(0, 255);
-  for (std::uint8_t& b : pixels) {
-    if (style == 0) b = Byte(dice.Between(0, 255));
-    if (style == 1) b = Byte(level);
-    if (style == 2) b = dice.OneIn(5) ? Byte(dice.Between(0, 255)) : Byte(level);
-    if (style == 3) b = dice.Of<std::uint8_t>({0, 255, 127, 128});
-  }
 }
 
 int RandomDepth(Dice& dice) {
@@ -115,16 +102,57 @@ std::size_t PixelBytes(bool planes, std::uint16_t width, std::uint16_t lines, st
   return (width * stored + 15) / 16 * 2 * lines;
 }
 
-Case PlainCase(bool planes, std::uint8_t sourceDepth, std::uint8_t destinationDepth, std::uint16_t width,
-               std::uint16_t lines, std::uint8_t fill) {
+void SetDepth(BandPlan& band, int depth, std::uint8_t fill) {
+  band.depth = Word(depth);
+  band.pixels.resize(PixelBytes(band.planes, band.width, band.lineCount, band.depth), fill);
+}
+
+BandPlan BandOf(bool planes, int depth, std::size_t width, const std::vector<std::uint32_t>& values) {
+  const std::size_t lines = values.size() / width, stored = std::bit_ceil(static_cast<std::size_t>(depth));
+  BandPlan band{planes, 0, 0, Word(static_cast<int>(width)), Word(static_cast<int>(lines)), 0, {}};
+  SetDepth(band, depth, 0);
+  const std::size_t rowBytes = band.pixels.size() / lines / (planes ? static_cast<std::size_t>(depth) : 1);
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    const std::size_t x = i % width, y = i / width;
+    for (std::size_t k = 0; k < static_cast<std::size_t>(depth); ++k) {
+      const std::size_t bit = stored < 8 ? x * stored + stored - 1 - k : x * stored + (k / 8 * 8 + 7 - k % 8);
+      std::uint8_t& byte =
+          planes ? band.pixels[(k * lines + y) * rowBytes + x / 8] : band.pixels[y * rowBytes + bit / 8];
+      if ((values[i] >> k & 1) != 0) byte = Byte(byte | 0x80 >> (planes ? x : bit) % 8);
+    }
+  }
+  return band;
+}
+
+IRGB* GrayRamp() {
+  static std::vector<IRGB> ramp = [] {
+    std::vector<IRGB> made(256);
+    for (std::int64_t n = 0; n < 256; ++n) made[static_cast<std::size_t>(n)] = {Byte(n), Byte(n), Byte(n)};
+    return made;
+  }();
+  return ramp.data();
+}
+
+Case PlainCase(bool planes, int sourceDepth, int destinationDepth, int width, int lines, std::uint8_t fill) {
   Case made;
-  made.source = PlainDescriptor(sourceDepth, planes ? kPlaneKind : kPackedKind);
-  made.destination = PlainDescriptor(destinationDepth, kPackedKind);
-  made.bands = {{planes, 0, 0, width, lines, sourceDepth, {}}};
-  made.bands[0].pixels.assign(PixelBytes(planes, width, lines, sourceDepth), fill);
-  made.capacity = width;
-  made.errorRow.assign(width, 0);
+  made.source = PlainDescriptor(Byte(sourceDepth), planes ? kPlaneKind : kPackedKind);
+  made.destination = PlainDescriptor(Byte(destinationDepth), kPackedKind);
+  made.bands = {{planes, 0, 0, Word(width), Word(lines), 0, {}}};
+  SetDepth(made.bands[0], sourceDepth, fill);
+  made.capacity = Word(width);
+  made.errorRow.assign(made.capacity, 0);
   return made;
+}
+
+void FillPixels(Dice& dice, std::vector<std::uint8_t>& pixels) {
+  const int style = dice.Between(0, 3);
+  const int level = dice.Between(0, 255);
+  for (std::uint8_t& b : pixels) {
+    if (style == 0) b = Byte(dice.Between(0, 255));
+    if (style == 1) b = Byte(level);
+    if (style == 2) b = dice.OneIn(5) ? Byte(dice.Between(0, 255)) : Byte(level);
+    if (style == 3) b = dice.Of<std::uint8_t>({0, 255, 127, 128});
+  }
 }
 
 Case RandomCase(Dice& dice, Sibling which) {
@@ -150,36 +178,23 @@ Case RandomCase(Dice& dice, Sibling which) {
 std::string Describe(const Case& c) {
   const BandPlan& b = c.bands[0];
   std::string text = b.planes ? "planes" : "packed";
-  const auto add = [&text](const char* name, int value) {
-    text += std::string(", ") + name + " " + std::to_string(value);
+  const auto add = [&text](const char* names, std::initializer_list<std::int64_t> values) {
+    text += std::string(", ") + names;
+    for (const std::int64_t v : values) text += " " + std::to_string(v);
   };
-  add("bands", static_cast<int>(c.bands.size()));
-  add("left", b.left);
-  add("top", b.top);
-  add("width", b.width);
-  add("lines", b.lineCount);
-  add("band depth", b.depth);
-  add("source kind", c.source.rasterKind);
-  add("depth", c.source.bitsPerPixel);
-  add("colorFlags", c.source.colorFlags);
-  add("options", c.source.options);
-  add("destination kind", c.destination.rasterKind);
-  add("depth", c.destination.bitsPerPixel);
-  add("colorFlags", c.destination.colorFlags);
-  add("method", c.halftoneMethod);
-  add("sameColorMap", c.sameColorMap);
-  add("invertMono", c.invertMono);
-  add("grayPalette", c.grayPalette);
-  add("gamma", c.gammaActive);
-  add("capacity", c.capacity);
-  add("runs", static_cast<int>(c.script.runs));
-  add("failAllocAt", c.script.failAllocAt);
-  add("failDupAt", c.script.failDupAt);
-  add("stopAt", c.script.stopAt);
-  add("convertFailsAt", c.script.convertFailsAt);
-  add("replacesBand", c.script.replacesBand);
-  add("scribbles", c.script.scribbles);
-  add("changesSettings", c.script.changesSettings);
+  const auto addImage = [&add](const tagIGFD& i) {
+    add("kind, depth, colour flags, options", {i.rasterKind, i.bitsPerPixel, i.colorFlags, i.options});
+    add("size", {i.imageWidth, i.imageHeight});
+  };
+  add("bands", {static_cast<int>(c.bands.size())});
+  add("left, top, width, lines, depth", {b.left, b.top, b.width, b.lineCount, b.depth});
+  addImage(c.source);
+  addImage(c.destination);
+  add("methods", {c.halftoneMethod, c.scaleDownMethod});
+  add("same colours, invert, gray, gamma", {c.sameColorMap, c.invertMono, c.grayPalette, c.gammaActive});
+  add("capacity, limit", {c.capacity, c.bandLimit});
+  add("runs", {static_cast<int>(c.script.runs)});
+  add("failing block, copy, link", {c.script.failAllocAt, c.script.failDupAt, c.script.convertFailsAt});
   return text;
 }
 

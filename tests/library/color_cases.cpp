@@ -6,31 +6,8 @@ namespace cvt::test {
 
 namespace {
 
-// RunCase takes plain procedures, so the case that is running stands here.
-thread_local const ColorCase* running = nullptr;
-thread_local BandRoutine due = nullptr;
-
 std::uint8_t* Data(const std::vector<std::uint8_t>& table) {
   return table.empty() ? nullptr : const_cast<std::uint8_t*>(table.data());
-}
-
-CvtStatus WithSettings(tagRasterPacked** band, tagIGFD* source, tagIGFD* destination, tagCRLA* context) {
-  if (context->ditherSteps == nullptr) {  // the image's first band
-    context->ditherMatrix = Data(running->matrix);
-    context->ditherWidth = running->ditherWidth;
-    context->ditherHeight = running->ditherHeight;
-    context->ditherSteps = Data(running->steps);
-    context->cubeTable = Data(running->cube);
-    context->colorAdjust1 = running->colorAdjust1;
-    context->colorAdjust2 = running->colorAdjust2;
-    context->diffusionFlags = running->diffusionFlags;
-  }
-  return due(band, source, destination, context);
-}
-
-template <auto kTwin, auto... kFirst>
-CvtStatus Twin(tagRasterPacked** band, tagIGFD* source, tagIGFD* destination, tagCRLA* context) {
-  return kTwin(kFirst..., band, source, destination, context);
 }
 
 CvtStatus CanShortCut(tagRasterPacked** band, tagIGFD* source, tagIGFD* destination, tagCRLA* context) {
@@ -39,8 +16,6 @@ CvtStatus CanShortCut(tagRasterPacked** band, tagIGFD* source, tagIGFD* destinat
 CvtStatus CanShortCutTwin(tagRasterPacked** band, tagIGFD*, tagIGFD* destination, tagCRLA* context) {
   return static_cast<CvtStatus>(RefCanShortCut(**band, *destination, context));
 }
-
-std::uint8_t Byte(int value) { return static_cast<std::uint8_t>(value); }
 
 void LimitDepth(Case& base, std::uint8_t depth) {
   base.source.bitsPerPixel = std::min(base.source.bitsPerPixel, depth);
@@ -91,19 +66,22 @@ void AddTables(Dice& dice, ColorCase& what, Family family) {
     what.matrix[i] = dice.Of<std::uint8_t>({125, 126, 127, 128});
 }
 
-constexpr Sibling kBitByte = {true, false}, kByteBit = {false, true}, kBitBit = {true, true},
-                  kByteByte = {false, false};
-
 }  // namespace
 
-BandRoutine WithTables(const ColorCase& what, BandRoutine routine) {
-  running = &what;
-  due = routine;
-  return WithSettings;
+void PutTables(World& world, const ColorCase& what) {
+  tagCRLA& context = world.context;
+  context.ditherMatrix = Data(what.matrix);
+  context.ditherWidth = what.ditherWidth;
+  context.ditherHeight = what.ditherHeight;
+  context.ditherSteps = Data(what.steps);
+  context.cubeTable = Data(what.cube);
+  context.colorAdjust1 = what.colorAdjust1;
+  context.colorAdjust2 = what.colorAdjust2;
+  context.diffusionFlags = what.diffusionFlags;
 }
 
 Outcome RunColorCase(const ColorCase& what, BandRoutine routine, CvtConvertProc convert) {
-  return RunCase(what.base, WithTables(what, routine), convert);
+  return RunCase(what.base, routine, convert, [&what](World& world) { PutTables(world, what); });
 }
 
 ColorCase RandomColorCase(Dice& dice, Family family, Sibling which) {
@@ -127,8 +105,8 @@ ColorCase RandomColorCase(Dice& dice, Family family, Sibling which) {
     base.destination.bitsPerPixel = Byte(dice.Between(4, 9));
     if (dice.OneIn(3))  // some take the short-cut and some do not
       for (BandPlan& band : base.bands) {
-        band.depth = static_cast<std::uint16_t>(dice.Between(3, 26));
-        band.pixels.resize(PixelBytes(false, band.width, band.lineCount, band.depth), Byte(dice.Between(0, 255)));
+        const int depth = dice.Between(3, 26);
+        SetDepth(band, depth, Byte(dice.Between(0, 255)));
       }
   }
   if ((family == Family::ShortCut || family == Family::Diffusion) && dice.OneIn(2)) {
@@ -155,49 +133,47 @@ void StoreAsRead(Dice& dice, const ColorMember& member, ColorCase& what) {
                     : r == CvtShortCutDiffusionLong ? dice.Between(17, 32)
                                                     : 0;
   if (depth == 0) return;
-  for (BandPlan& band : what.base.bands) {
-    band.depth = static_cast<std::uint16_t>(depth);
-    band.pixels.resize(PixelBytes(false, band.width, band.lineCount, band.depth), 0x6D);
-  }
+  for (BandPlan& band : what.base.bands) SetDepth(band, depth, 0x6D);
 }
 
-const std::vector<ColorMember> kColorMembers = {
-    {"CvtBitRGBPacked", Family::Direct, kBitByte, OnPlanes<CvtBitRGBPacked>, Twin<RefRGB, kBitByte>},
-    {"CvtByteRGBPacked", Family::Direct, kByteByte, CvtByteRGBPacked, Twin<RefRGB, kByteByte>},
-    {"CvtBitRGBPlane", Family::Direct, kBitBit, OnPlanes<CvtBitRGBPlane>, Twin<RefRGB, kBitBit>},
-    {"CvtByteRGBPlane", Family::Direct, kByteBit, CvtByteRGBPlane, Twin<RefRGB, kByteBit>},
-    {"CvtClipPlane", Family::Clip, kBitBit, OnPlanes<CvtClipPlane>, Twin<RefClip, true>},
-    {"CvtClipPacked", Family::Clip, kByteByte, CvtClipPacked, Twin<RefClip, false>},
-    {"CvtMonochromeDitherBitByte", Family::MonoDither, kBitByte, OnPlanes<CvtMonochromeDitherBitByte>,
-     Twin<RefMonoDither, kBitByte>},
-    {"CvtMonochromeDitherByteBit", Family::MonoDither, kByteBit, CvtMonochromeDitherByteBit,
-     Twin<RefMonoDither, kByteBit>},
-    {"CvtMonochromeDitherBitBit", Family::MonoDither, kBitBit, OnPlanes<CvtMonochromeDitherBitBit>,
-     Twin<RefMonoDither, kBitBit>},
-    {"CvtMonochromeDitherByteByte", Family::MonoDither, kByteByte, CvtMonochromeDitherByteByte,
-     Twin<RefMonoDither, kByteByte>},
-    {"CvtColorDiffusionBitByte", Family::Diffusion, kBitByte, OnPlanes<CvtColorDiffusionBitByte>,
-     Twin<RefColorDiffusion, kBitByte>},
-    {"CvtColorDiffusionByteBit", Family::Diffusion, kByteBit, CvtColorDiffusionByteBit,
-     Twin<RefColorDiffusion, kByteBit>},
-    {"CvtColorDiffusionBitBit", Family::Diffusion, kBitBit, OnPlanes<CvtColorDiffusionBitBit>,
-     Twin<RefColorDiffusion, kBitBit>},
-    {"CvtColorDiffusionByteByte", Family::ShortCut, kByteByte, CvtColorDiffusionByteByte,
-     Twin<RefColorDiffusion, kByteByte>},
-    {"CvtCanShortCutDiffusion", Family::ShortCut, kByteByte, CanShortCut, CanShortCutTwin},
-    {"CvtShortCutDiffusion", Family::ShortCut, kByteByte, CvtShortCutDiffusion, RefShortCut},
-    {"CvtShortCutDiffusionByte", Family::ShortCut, kByteByte, CvtShortCutDiffusionByte,
-     Twin<RefShortCutStored, 1>},
-    {"CvtShortCutDiffusionWord", Family::ShortCut, kByteByte, CvtShortCutDiffusionWord,
-     Twin<RefShortCutStored, 2>},
-    {"CvtShortCutDiffusionLong", Family::ShortCut, kByteByte, CvtShortCutDiffusionLong,
-     Twin<RefShortCutStored, 4>},
-    {"CvtColorDitherBitByte", Family::Dither, kBitByte, OnPlanes<CvtColorDitherBitByte>,
-     Twin<RefColorDither, kBitByte>},
-    {"CvtColorDitherByteBit", Family::Dither, kByteBit, CvtColorDitherByteBit, Twin<RefColorDither, kByteBit>},
-    {"CvtColorDitherBitBit", Family::Dither, kBitBit, OnPlanes<CvtColorDitherBitBit>,
-     Twin<RefColorDither, kBitBit>},
-    {"CvtColorDitherByteByte", Family::Dither, kByteByte, CvtColorDitherByteByte,
-     Twin<RefColorDither, kByteByte>}};
+const std::vector<ColorMember> kColorMembers = [] {
+  std::vector<ColorMember> all = {
+      {{"CvtBitRGBPacked", kBitByte, OnPlanes<CvtBitRGBPacked>, With<RefRGB, kBitByte>}, Family::Direct},
+      {{"CvtByteRGBPacked", kByteByte, CvtByteRGBPacked, With<RefRGB, kByteByte>}, Family::Direct},
+      {{"CvtBitRGBPlane", kBitBit, OnPlanes<CvtBitRGBPlane>, With<RefRGB, kBitBit>}, Family::Direct},
+      {{"CvtByteRGBPlane", kByteBit, CvtByteRGBPlane, With<RefRGB, kByteBit>}, Family::Direct},
+      {{"CvtClipPlane", kBitBit, OnPlanes<CvtClipPlane>, With<RefClip, true>}, Family::Clip},
+      {{"CvtClipPacked", kByteByte, CvtClipPacked, With<RefClip, false>}, Family::Clip},
+      {{"CvtCanShortCutDiffusion", kByteByte, CanShortCut, CanShortCutTwin}, Family::ShortCut},
+      {{"CvtShortCutDiffusion", kByteByte, CvtShortCutDiffusion, RefShortCut}, Family::ShortCut},
+      {{"CvtShortCutDiffusionByte", kByteByte, CvtShortCutDiffusionByte, With<RefShortCutStored, 1>},
+       Family::ShortCut},
+      {{"CvtShortCutDiffusionWord", kByteByte, CvtShortCutDiffusionWord, With<RefShortCutStored, 2>},
+       Family::ShortCut},
+      {{"CvtShortCutDiffusionLong", kByteByte, CvtShortCutDiffusionLong, With<RefShortCutStored, 4>},
+       Family::ShortCut}};
+  const auto add = [&all](const std::vector<Member>& family, Family kind) {
+    for (const Member& member : family) all.push_back({member, kind});
+  };
+  add(FamilyOf<RefMonoDither, CvtMonochromeDitherBitByte, CvtMonochromeDitherByteBit, CvtMonochromeDitherBitBit,
+               CvtMonochromeDitherByteByte>("CvtMonochromeDither"),
+      Family::MonoDither);
+  add(FamilyOf<RefColorDither, CvtColorDitherBitByte, CvtColorDitherByteBit, CvtColorDitherBitBit,
+               CvtColorDitherByteByte>("CvtColorDither"),
+      Family::Dither);
+  add(FamilyOf<RefColorDiffusion, CvtColorDiffusionBitByte, CvtColorDiffusionByteBit, CvtColorDiffusionBitBit,
+               CvtColorDiffusionByteByte>("CvtColorDiffusion"),
+      Family::Diffusion);
+  all.back().family = Family::ShortCut;  // from packed to packed alone
+  return all;
+}();
+
+const Member& MemberNamed(const std::string& name) {
+  for (const auto* family : {&kNearestFamily, &kMonoDiffusionFamily})
+    for (const Member& member : *family)
+      if (member.name == name) return member;
+  return *std::find_if(kColorMembers.begin(), kColorMembers.end(),
+                       [&](const Member& m) { return m.name == name; });
+}
 
 }  // namespace cvt::test

@@ -2,7 +2,6 @@
 #pragma once
 
 #include "tests/library/harness.h"
-#include "tests/reference/color.h"
 
 namespace cvt::test {
 
@@ -14,22 +13,19 @@ struct ColorCase {
   std::vector<std::uint8_t> matrix, steps, cube;  // no cube: null
   std::uint16_t colorAdjust1 = 0, colorAdjust2 = 0, diffusionFlags = 0;
 };
-
-/// The routine, with the case's tables put into the context before the first band. One case runs at a time.
-BandRoutine WithTables(const ColorCase& what, BandRoutine routine);
+void PutTables(World& world, const ColorCase& what);
 Outcome RunColorCase(const ColorCase& what, BandRoutine routine, CvtConvertProc convert = ScriptedConvert);
 
 /// What random cases have to heed.
 enum class Family : std::uint8_t { Direct, Clip, MonoDither, Diffusion, ShortCut, Dither };
 ColorCase RandomColorCase(Dice& dice, Family family, Sibling which);
 
-struct ColorMember {
-  const char* name;
+struct ColorMember : Member {
   Family family;
-  Sibling which;
-  BandRoutine library, twin;
 };
 extern const std::vector<ColorMember> kColorMembers;
+/// Of any family of band routines.
+const Member& MemberNamed(const std::string& name);
 
 /// Called directly, each of the short-cut's routines wants bands that are stored as it reads them.
 void StoreAsRead(Dice& dice, const ColorMember& member, ColorCase& what);

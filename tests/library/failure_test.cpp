@@ -9,9 +9,8 @@
 #include <set>
 #include <sstream>
 
-#include "tests/library/color_cases.h"
 #include "tests/library/failure_rules.h"
-#include "tests/library/scale_harness.h"
+#include "tests/library/scale_cases.h"
 
 namespace cvt::test {
 
@@ -93,27 +92,19 @@ Case CaseOf(const Images& i, bool planes) {
   what.destination.imageHeight = i.toHeight;
   what.destination.colorFlags = i.direct ? 0 : kIndexedColor;
   what.halftoneMethod = i.method;
+  what.scaleDownMethod = i.decimates ? kDecimate : std::uint8_t{0};
+  what.bandLimit = i.bandLimit;
   return what;
 }
 
 // Lines, tables and buffers as large as any routine wants them.
 void Furnish(World& world, const Images& i) {
-  const auto pixels = static_cast<std::uint32_t>(std::max<std::int32_t>(i.width, i.toWidth));
-  const auto zeros = [&world](std::uint32_t bytes) {
-    return std::memset(world.Take(bytes, BlockKind::Heap), 0, bytes);
-  };
+  FurnishForScaling(world, i.width, static_cast<std::size_t>(std::max<std::int32_t>(i.width, i.toWidth)));
+  static std::uint8_t matrix[64], steps[2048];
   tagCRLA& context = world.context;
-  context.runLengths = static_cast<std::uint16_t*>(zeros(2U * i.width));
-  context.values = static_cast<std::uint32_t*>(zeros(4U * i.width));
-  context.ownedBuffer1 = zeros(2 * pixels);
-  context.ownedBuffer2 = zeros(4 * pixels);
-  context.smoothCurrentLine = static_cast<std::uint32_t*>(zeros(4 * pixels));
-  context.smoothSums = static_cast<std::uint32_t*>(zeros(12 * pixels));
-  context.ditherMatrix = static_cast<std::uint8_t*>(zeros(64));
-  context.ditherSteps = static_cast<std::uint8_t*>(zeros(2048));
+  context.ditherMatrix = matrix;
+  context.ditherSteps = steps;
   context.ditherWidth = context.ditherHeight = 8;
-  context.scaleDownMethod = i.decimates ? kDecimate : std::uint8_t{0};
-  world.stage.bandLimit = i.bandLimit;
   world.script.isGray = i.isGray ? 256 : 0;
 }
 

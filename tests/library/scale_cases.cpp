@@ -14,19 +14,11 @@ struct Kind {
   bool rowsMayWrap;       // bands may cross image line 65535
   std::uint8_t prepared;  // depth that a kernel takes, or 0
 };
-std::uint16_t Word(std::int64_t value) { return static_cast<std::uint16_t>(value); }
 
 int Target(Dice& dice, Sort sort, int from) {
   const bool up = sort == Sort::Up || (sort == Sort::Smooth && dice.OneIn(2));
   if (!up) return dice.OneIn(12) ? from : dice.OneIn(4) ? dice.Between(from / 8, from) : dice.Between(0, from);
   return from + dice.Of({1, 1, from, 2 * from + 1, dice.Between(1, 40), dice.OneIn(6) ? 0 : from / 2 + 1});
-}
-
-void AddPixels(Dice& dice, BandPlan& plan) {
-  plan.pixels.resize(PixelBytes(plan.planes, plan.width, plan.lineCount, plan.depth));
-  const int style = dice.Between(0, 2), level = dice.Between(0, 255);
-  for (std::uint8_t& b : plan.pixels)
-    b = static_cast<std::uint8_t>(style == 0 || (style == 1 && dice.OneIn(4)) ? dice.Between(0, 255) : level);
 }
 
 void AddImage(Dice& dice, ScaleCase& made, bool planes, const Kind& kind) {
@@ -38,7 +30,8 @@ void AddImage(Dice& dice, ScaleCase& made, bool planes, const Kind& kind) {
     const int lines = dice.Between(1, 9);
     made.bands.push_back(
         {planes, Word(dice.OneIn(40) ? left + 1 : left), Word(top), Word(width), Word(lines), Word(depth), {}});
-    AddPixels(dice, made.bands.back());
+    SetDepth(made.bands.back(), depth, 0);
+    FillPixels(dice, made.bands.back().pixels);
     top += lines + (dice.OneIn(30) ? 2 : 0);
   }
   made.capacity = Word(width + dice.Of({2, 2, 12}));
@@ -59,8 +52,7 @@ void Exaggerate(Dice& dice, ScaleCase& made, Sort sort) {
 }
 
 ScaleCase RandomScale(Dice& dice, bool planes, const Kind& kind) {
-  ScaleCase made;
-  static_cast<Case&>(made) = PlainCase(planes, 1, 8, 1, 1);
+  ScaleCase made = PlainCase(planes, 1, 8, 1, 1);
   made.bands.clear();
   tagIGFD &source = made.source, &destination = made.destination;
   const bool palette = kind.sort == Sort::Smooth && kind.prepared == 0 && dice.OneIn(2);
@@ -117,8 +109,7 @@ void Settle(Dice& dice, ScaleCase& made) {
     band.left = Word(left);
     band.top = Word(band.top - shift);
     band.width = std::max<std::uint16_t>(band.width, 1);
-    band.depth = Word(std::clamp<int>(band.depth, 1, depth));
-    band.pixels.resize(PixelBytes(band.planes, band.width, band.lineCount, band.depth), 0xA7);
+    SetDepth(band, std::clamp<int>(band.depth, 1, depth), 0xA7);
   }
   made.source.originX = static_cast<std::int16_t>(dice.Of({0, left}));
   made.source.originY = static_cast<std::int16_t>(dice.Of({0, top}));
@@ -201,9 +192,9 @@ ChainCase RandomChain(Dice& dice) {
   const Sibling which = {dice.OneIn(2), dice.OneIn(2)};
   const auto family = dice.Of({Family::Direct, Family::MonoDither, Family::Diffusion, Family::Dither});
   made.tables = RandomColorCase(dice, family, which);
-  ScaleCase& image = made.image;
-  static_cast<Case&>(image) = made.tables.base;
+  ScaleCase& image = made.image = made.tables.base;
   if (family == Family::Direct) image.destination.bitsPerPixel = dice.Of<std::uint8_t>({15, 16, 24, 32});
+  if (dice.OneIn(4)) image.halftoneMethod = kNearest;
   if (family == Family::MonoDither) image.destination.bitsPerPixel = 1;
   image.source.colorFlags = dice.Of<std::uint8_t>({0, kIndexedColor});
   image.destination.keepColor = dice.Of<std::int16_t>({0, 1, -1, 255});
@@ -214,9 +205,16 @@ ChainCase RandomChain(Dice& dice) {
   return made;
 }
 
+Outcome RunFurnished(const Case& what, const ColorCase& tables, BandRoutine routine, CvtConvertProc convert) {
+  return RunCase(what, routine, convert, [&](World& world) {
+    FurnishForScaling(world, what.capacity, std::max<std::size_t>(what.capacity, what.linePixels));
+    PutTables(world, tables);
+  });
+}
+
 Outcome RunChain(const ChainCase& what, CvtConvertProc dispatch) {
   dispatchOfChain = dispatch;
-  return RunScale(what.image, WithTables(what.tables, dispatch), KeepRunCount);
+  return RunFurnished(what.image, what.tables, dispatch, KeepRunCount);
 }
 
 }  // namespace cvt::test

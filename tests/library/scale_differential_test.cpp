@@ -1,32 +1,19 @@
-// The scalers against their twins, on random images in fresh worlds: every call, byte and field the same.
-#include <gtest/gtest.h>
-
+// The scalers, and whole chains, against their twins.
 #include "tests/library/scale_cases.h"
+#include "tests/library/sweep.h"
 
 namespace cvt::test {
 
 namespace {
 
-std::uint16_t Word(std::int64_t value) { return static_cast<std::uint16_t>(value); }
-
-std::string Sizes(const ScaleCase& c) {
-  const auto text = [](std::int64_t v) { return " " + std::to_string(v); };
-  return text(c.source.imageWidth) + text(c.source.imageHeight) + " to" + text(c.destination.imageWidth) +
-         text(c.destination.imageHeight) + ", limit" + text(c.bandLimit) + ", method" + text(c.scaleDownMethod);
-}
-
-void Compare(const ScaleCase& what, const Scaler& scaler, int number) {
-  const std::string difference = Difference(RunScale(what, scaler.library), RunScale(what, scaler.twin));
-  ASSERT_EQ(difference, "") << scaler.name << ", case " << number << " of seed " << Seed() << ": "
-                            << Describe(what) << Sizes(what);
+void Compare(const ScaleCase& what, const Scaler& scaler) {
+  SCOPED_TRACE(scaler.name);
+  Compare(what, RunScale(what, scaler.library), RunScale(what, scaler.twin));
 }
 
 void CompareAll(const std::vector<Scaler>& scalers, ScaleCase (*random)(Dice& dice, std::size_t k), int rounds) {
   for (std::size_t k = 0; k < scalers.size(); ++k)
-    for (int i = 0; i < Rounds(rounds) && !::testing::Test::HasFatalFailure(); ++i) {
-      Dice dice(static_cast<std::uint32_t>(i));
-      Compare(random(dice, k), scalers[k], i);
-    }
+    Sweep(rounds, [&](Dice& dice) { Compare(random(dice, k), scalers[k]); });
 }
 
 TEST(ScaleDifferential, Drivers) { CompareAll(kScaleDrivers, RandomForDriver, 250); }
@@ -35,104 +22,84 @@ TEST(ScaleDifferential, SmoothWorkers) { CompareAll(kSmoothWorkers, RandomForSmo
 
 // Clipped or not, scaled in both directions or smoothly, then reduced: Cvtr2r from end to end.
 TEST(ScaleDifferential, ChainsOfTheDispatcher) {
-  for (int i = 0; i < Rounds(600) && !HasFatalFailure(); ++i) {
-    Dice dice(static_cast<std::uint32_t>(i));
+  Sweep(1500, [](Dice& dice) {
     const ChainCase what = RandomChain(dice);
-    ASSERT_EQ(Difference(RunChain(what, Cvtr2r), RunChain(what, RefWholeCvtr2r)), "")
-        << "case " << i << " of seed " << Seed() << ": " << Describe(what.image) << Sizes(what.image);
-  }
+    Compare(what.image, RunChain(what, Cvtr2r), RunChain(what, RefWholeCvtr2r));
+  });
 }
 
-// Outputs that fill several sub-bands, and lines that fit none.
-TEST(ScaleDifferential, LinesNearTheSizeOfASubBand) {
-  for (const bool planes : {false, true})
-    for (const int to : {2031, 16249, 16250, 16251, 65000, 65002, 70000})
-      for (const std::uint8_t depth : std::initializer_list<std::uint8_t>{1, 7, 8, 32}) {
-        ScaleCase what;
-        static_cast<Case&>(what) = PlainCase(planes, depth, 8, 50, 7, 0x5C);
-        what.source.imageWidth = 50;
-        what.destination.imageWidth = to;
-        what.script.runs = Runs::Merged;
-        Compare(what, kScaleDrivers[0], to);
-        what.bands[0].width = what.capacity = Word(to);
-        what.bands[0].pixels.assign(40000, 0x5C);
-        what.source.imageHeight = 7;
-        what.destination.imageHeight = 20;
-        Compare(what, kScaleDrivers[1], to);
-      }
+// Sizes near the edges of 16 bits. Bands whose pixels do not fit hold less than their headers say.
+struct EdgeCase {
+  const char* what;
+  const Scaler& scaler;
+  Case image;
+  int toWidth, toHeight;
+};
+
+Case Image(bool planes, int depth, int width, int lines, int imageHeight = 0) {
+  Case made = PlainCase(planes, depth, 8, width, 0);
+  made.bands[0].lineCount = Word(lines);
+  made.bands[0].pixels.assign(60000, 0x5C);
+  made.source.imageWidth = width;
+  made.source.imageHeight = imageHeight == 0 ? lines : imageHeight;
+  made.script.runs = Runs::Merged;
+  return made;
 }
 
-// Rows of more than 16 bits of bytes. The bands hold less than their headers say.
-TEST(ScaleDifferential, ReducedRowsBeyondTheSizesThatFit) {
-  for (const std::size_t driver : {2u, 3u})
-    for (const std::uint8_t method : std::initializer_list<std::uint8_t>{0, kDecimate}) {
-      ScaleCase what;
-      static_cast<Case&>(what) = PlainCase(false, 32, 8, 20000, 0);
-      what.bands[0].lineCount = 4;
-      what.bands[0].pixels.assign(60000, 0x5C);
-      what.source.imageWidth = 20000;
-      what.source.imageHeight = 4;
-      what.destination.imageWidth = driver == 2 ? 17000 : 20000;
-      what.destination.imageHeight = driver == 2 ? 4 : 3;
-      what.linePixels = 20000;
-      what.scaleDownMethod = method;
-      what.script.runs = Runs::Merged;
-      Compare(what, kScaleDrivers[driver], method);
-    }
-}
-
-// Planes compare with 16 bits of the height, packed pixels with all of it.
-TEST(ScaleDifferential, EnlargedHeightsBeyondTheSizesThatFit) {
-  for (const std::size_t worker : {2u, 3u}) {
-    ScaleCase what;
-    static_cast<Case&>(what) = PlainCase(worker == 2, 1, 8, 2, 4, 0x5C);
-    what.source.imageHeight = 70000;
-    what.destination.imageHeight = 70001;
-    Compare(what, kScaleWorkers[worker], 0);
-  }
+Case Decimated(Case made) {
+  made.scaleDownMethod = kDecimate;
+  return made;
 }
 
 // The first band ends at output line 65536, which is 0: the second is no image's first band for all that.
-TEST(ScaleDifferential, EnlargedImagesThatPassTheLastLine) {
-  ScaleCase what;
-  static_cast<Case&>(what) = PlainCase(false, 8, 8, 2, 4, 0x5C);
-  what.bands[0].top = 32764;
-  what.bands.push_back(what.bands[0]);
-  what.bands[1].top = 32766;
-  what.source.imageHeight = 1;
-  what.destination.imageHeight = 2;
-  Compare(what, kScaleDrivers[1], 0);
+Case PastTheLastLine() {
+  Case made = Image(false, 8, 2, 4, 1);
+  made.bands[0].top = 32764;
+  made.bands.push_back(made.bands[0]);
+  made.bands[1].top = 32766;
+  return made;
 }
 
 // Runs of 2800, 63000 and 4200 pixels in a band of 4464: the second one's end passes 65535.
-TEST(ScaleDifferential, EnlargedLinesBeyondTheSizesThatFit) {
-  for (const bool planes : {false, true}) {
-    ScaleCase what;
-    static_cast<Case&>(what) = PlainCase(planes, 1, 8, 50, 1);
-    what.bands[0].pixels = {0xC0, 0, 0, 0, 0, 0x01, 0xC0, 0};
-    what.source.imageWidth = 50;
-    what.destination.imageWidth = 70000;
-    what.script.runs = Runs::Merged;
-    Compare(what, kScaleDrivers[0], 70000);
-  }
+Case ThreeRuns(bool planes) {
+  Case made = Image(planes, 1, 50, 1);
+  made.bands[0].pixels = {0xC0, 0, 0, 0, 0, 0x01, 0xC0, 0};
+  return made;
 }
 
-// Wide lines, of which the colour kernel clears fewer sums than there are; some of them fit no sub-band.
-TEST(ScaleDifferential, SmoothLinesOfManyPixels) {
-  for (const std::size_t kernel : {2u, 3u})
-    for (const int to : {16250, 16383, 16384, 20000, 66000})
-      for (const std::uint16_t lines : std::initializer_list<std::uint16_t>{1, 9}) {
-        const std::uint8_t depth = kernel == 2 ? 8 : 32;
-        ScaleCase what;
-        static_cast<Case&>(what) = PlainCase(false, depth, 8, 30, lines, 0x5C);
-        what.source.imageWidth = 30;
-        what.source.imageHeight = 9;
-        what.destination.imageWidth = to;
-        what.destination.imageHeight = 1;
-        what.capacity = 32;
-        what.linePixels = static_cast<std::size_t>(to);
-        Compare(what, kSmoothWorkers[kernel], to);
+TEST(ScaleDifferential, SizesAtTheEdges) {
+  const Scaler &upWidth = kScaleDrivers[0], &upHeight = kScaleDrivers[1], &downWidth = kScaleDrivers[2],
+               &downHeight = kScaleDrivers[3];
+  std::vector<EdgeCase> cases = {
+      {"reduced rows beyond 16 bits", downWidth, Image(false, 32, 20000, 4), 17000, 4},
+      {"decimated rows beyond 16 bits", downWidth, Decimated(Image(false, 32, 20000, 4)), 17000, 4},
+      {"rows of reduced heights beyond 16 bits", downHeight, Image(false, 32, 20000, 4), 20000, 3},
+      {"rows of decimated heights beyond 16 bits", downHeight, Decimated(Image(false, 32, 20000, 4)), 20000, 3},
+      {"planes compare with 16 bits of the height", kScaleWorkers[2], Image(true, 1, 2, 4, 70000), 2, 70001},
+      {"packed pixels with all of it", kScaleWorkers[3], Image(false, 1, 2, 4, 70000), 2, 70001},
+      {"enlarged past the last line", upHeight, PastTheLastLine(), 2, 2},
+      {"enlarged lines beyond the widest, planes", upWidth, ThreeRuns(true), 70000, 1},
+      {"enlarged lines beyond the widest, packed", upWidth, ThreeRuns(false), 70000, 1}};
+  for (const bool planes : {false, true})
+    for (const int to : {2031, 16249, 16250, 16251, 65000, 65002, 70000})
+      for (const int depth : {1, 7, 8, 32}) {
+        cases.push_back({"a line near the size of a sub-band", upWidth, Image(planes, depth, 50, 7), to, 7});
+        cases.push_back({"lines near the size of a sub-band", upHeight, Image(planes, depth, to, 7), to, 20});
       }
+  // The colour kernel clears fewer sums than such lines have; some of them fit no sub-band.
+  for (const int to : {16250, 16383, 16384, 20000, 66000})
+    for (const int lines : {1, 9}) {
+      cases.push_back({"smooth gray lines", kSmoothWorkers[2], Image(false, 8, 30, lines, 9), to, 1});
+      cases.push_back({"smooth lines in colour", kSmoothWorkers[3], Image(false, 32, 30, lines, 9), to, 1});
+    }
+  for (EdgeCase& c : cases) {
+    SCOPED_TRACE(c.what);
+    c.image.destination.imageWidth = c.toWidth;
+    c.image.destination.imageHeight = c.toHeight;
+    c.image.capacity = Word(c.image.capacity + 2);
+    c.image.linePixels = static_cast<std::size_t>(c.toWidth);
+    Compare(c.image, c.scaler);
+  }
 }
 
 }  // namespace

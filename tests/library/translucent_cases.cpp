@@ -2,43 +2,35 @@
 
 #include <algorithm>
 
-#include "tests/reference/color.h"
-
 namespace cvt::test {
 
-namespace {
-
-std::uint16_t Word(int value) { return static_cast<std::uint16_t>(value); }
-
-}  // namespace
-
-Written Write(Writer writer, Way way, const BandPlan& plan, std::uint16_t x, std::uint16_t y,
-              const std::vector<Painted>& line, std::vector<std::uint8_t>& transparent) {
-  World world({}, static_cast<std::uint16_t>(line.size()), {0});
-  for (std::size_t i = 0; i < line.size(); ++i) {
-    world.runLengths[i] = line[i].length;
-    world.values[i] = line[i].value;
+Written Write(Writer writer, const TranslucentCase& what) {
+  World world({}, Word(static_cast<int>(what.line.size())), {0});
+  for (std::size_t i = 0; i < what.line.size(); ++i) {
+    world.runLengths[i] = what.line[i].length;
+    world.values[i] = what.line[i].value;
   }
-  tagRasterPacked* band = world.MakeBand(plan);
-  std::uint8_t* const table = transparent.data();
-  tagCRLA* const context = &world.context;
+  std::vector<std::uint8_t> transparent = what.transparent;
+  transparent.resize(1 << 20);
+  tagRasterPacked* band = world.MakeBand(what.plan);
   const bool library = writer == Writer::Library;
+  const auto write = [&](auto routine, auto* cursor, auto... first) {
+    return routine(first..., cursor, &world.context, what.x, what.y, transparent.data());
+  };
   Written result{};
-  if (plan.planes) {
+  if (what.plan.planes) {
     tagPlaneData* cursor = RefOpenPlane(reinterpret_cast<tagRasterPlane*>(band));
-    result.count = library ? CvtWritePlaneTranslucentLine(cursor, context, x, y, table)
-                           : RefTranslucentPlanes(cursor, context, x, y, table);
+    result.count = library ? write(CvtWritePlaneTranslucentLine, cursor) : write(RefTranslucentPlanes, cursor);
   } else {
     tagPackedData* cursor = RefOpenPacked(band);
-    if (way == Way::Word)
-      result.count = library ? CvtWritePackedTransluceLineWord(cursor, context, x, y, table)
-                             : RefTranslucentStored(2, cursor, context, x, y, table);
-    else if (way == Way::Long)
-      result.count = library ? CvtWritePackedTransluceLineLong(cursor, context, x, y, table)
-                             : RefTranslucentStored(4, cursor, context, x, y, table);
+    if (what.way == Way::Word)
+      result.count =
+          library ? write(CvtWritePackedTransluceLineWord, cursor) : write(RefTranslucentStored, cursor, 2);
+    else if (what.way == Way::Long)
+      result.count =
+          library ? write(CvtWritePackedTransluceLineLong, cursor) : write(RefTranslucentStored, cursor, 4);
     else
-      result.count = library ? CvtWritePackedTranslucentLine(cursor, context, x, y, table)
-                             : RefTranslucentPacked(cursor, context, x, y, table);
+      result.count = library ? write(CvtWritePackedTranslucentLine, cursor) : write(RefTranslucentPacked, cursor);
   }
   result.bytes = world.BytesOf(band);
   result.bytes.erase(result.bytes.begin(), result.bytes.begin() + 16);

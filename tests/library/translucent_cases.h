@@ -20,18 +20,14 @@ struct Written {
 enum class Writer : std::uint8_t { Library, Twin };
 enum class Way : std::uint8_t { ByBand, Word, Long };
 
-Written Write(Writer writer, Way way, const BandPlan& plan, std::uint16_t x, std::uint16_t y,
-              const std::vector<Painted>& line, std::vector<std::uint8_t>& transparent);
-
 struct TranslucentCase {
   BandPlan plan;
   std::uint16_t x, y;
   std::vector<Painted> line;
-  std::vector<std::uint8_t> transparent;
+  Way way = Way::ByBand;
+  std::vector<std::uint8_t> transparent = {};  // none: all values are opaque
 };
 TranslucentCase RandomTranslucent(Dice& dice);
-inline Written Write(Writer writer, TranslucentCase& what) {
-  return Write(writer, Way::ByBand, what.plan, what.x, what.y, what.line, what.transparent);
-}
+Written Write(Writer writer, const TranslucentCase& what);
 
 }  // namespace cvt::test

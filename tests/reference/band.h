@@ -1,5 +1,8 @@
-// What the twins of the band routines do alike: a cursor of either kind, one line, one output band.
+// What the twins of the band routines do alike: a cursor of either kind, one line, colours out of values, output
+// bands, and one band's conversion from piece to piece.
 #pragma once
+
+#include <functional>
 
 #include "tests/reference/reference.h"
 
@@ -20,27 +23,10 @@ struct RefCursor {
 RefCursor RefOpen(bool planes, tagRasterPacked* band);
 void RefClose(RefCursor cursor);
 void RefFreeBand(tagRasterPacked* band);
+void RefReadPixels(RefCursor in, tagCRLA* context, std::uint16_t pixels, std::uint16_t x, std::uint16_t y);
 void RefReadLine(RefCursor in, tagCRLA* context, std::uint16_t y);
-
-/// Depth class of a packed band: the stored depths 1, 2, 4, 8 and 16.
-std::int64_t DepthClass(std::int64_t depth);
-
-/// The pieces that a band's lines are cut into: count pieces, all but the last of `lines` lines.
-struct Pieces {
-  std::int64_t count, lines;
-};
-Pieces CutLines(std::int64_t outBits, std::int64_t inBits, std::int64_t lines);
-
-/// Bits of the output and of the source, as far as the number of pieces depends on them.
-std::int64_t OutputBits(Sibling which, const tagIGFD& destination);
-std::int64_t SourceBits(Sibling which, const tagIGFD& source);
-
-/// Where sizes are cut: planes to a signed word before they are multiplied, or not at all.
-enum class PlaneSize : std::uint8_t { SignedWord, Full };
-
-/// Creates an output band with its header; null when it could not be had.
-tagRasterPacked* RefCreateBand(Sibling which, PlaneSize planeSize, const tagRasterPacked& input,
-                               std::int64_t outBits, std::int64_t firstLine, std::int64_t lines);
+void RefWriteLine(RefCursor out, tagCRLA* context, std::uint16_t y);
+void RefWritePixel(RefCursor out, std::int64_t x, std::uint16_t y, std::uint32_t value);
 
 /// Widths of the channels of a direct-colour value.
 struct Channels {
@@ -50,5 +36,53 @@ struct Channels {
   }
 };
 Channels ChannelsOf(const tagIGFD& source);
+std::int64_t RefGray(const IRGB& color);
+std::int64_t RefClampChannel(std::int64_t value);
+
+/// Decoding of source values, settled once a call.
+struct RefSource {
+  const IRGB* palette;
+  bool indexed, gamma, redLowest;
+  std::uint32_t indexMask;
+  Channels channels;
+  IRGB ColorOf(tagCRLA* context, std::uint32_t value) const;
+};
+RefSource RefSourceOf(const tagIGFD& source, const tagCRLA& context, bool redLowest);
+
+/// The destination's entries for black and white.
+struct RefInks {
+  std::uint16_t black, white;
+};
+RefInks RefInksOf(tagIGFD* destination);
+
+/// A new band with its header; planeBytes is written into bands of planes only. Null when it cannot be had.
+struct RefHeader {
+  std::int64_t left, top, width, lines, depth, planeBytes;
+};
+tagRasterPacked* RefNewBand(bool planes, std::int64_t dataBytes, const RefHeader& header);
+
+/// The pieces that a band's lines are cut into: count pieces, all but the last of `lines` lines.
+struct Pieces {
+  std::int64_t count, lines;
+};
+
+/// Where sizes are cut: planes to a signed word before they are multiplied, or not at all.
+enum class PlaneSize : std::uint8_t { SignedWord, Full };
+tagRasterPacked* RefCreateBand(Sibling which, PlaneSize planeSize, const tagRasterPacked& input,
+                               std::int64_t outBits, std::int64_t firstLine, std::int64_t lines);
+
+/// One band's conversion: its pieces, how a line is converted, and what a failure gives back.
+struct RefJob {
+  Sibling which;
+  Pieces pieces;
+  std::function<tagRasterPacked*(std::int64_t firstLine, std::int64_t lines)> create;
+  bool releasesWithoutMemory, releasesWhenRefused;
+  std::function<void()> opened;  // once the input cursor is open
+  std::function<CvtStatus(RefCursor in, RefCursor out, std::uint16_t y)> convertLine;
+};
+RefJob RefPaletteJob(Sibling which, PlaneSize planeSize, const tagRasterPacked& input, const tagIGFD& source,
+                     const tagIGFD& destination);
+CvtStatus RefRunJob(const RefJob& job, tagRasterPacked* band, tagIGFD* source, tagIGFD* destination,
+                    tagCRLA* context);
 
 }  // namespace cvt::test

@@ -1,5 +1,5 @@
 // Twin of the two clipping routines.
-#include "tests/reference/color.h"
+#include "tests/reference/band.h"
 
 namespace cvt::test {
 
@@ -20,19 +20,6 @@ Range SharedLines(const tagRasterPacked& band, std::uint16_t clipTop, std::uint1
     copy->clipComplete = 1;
   }
   return range;
-}
-
-void MoveLine(RefCursor in, RefCursor out, tagCRLA* context, std::uint16_t width, std::uint16_t x,
-              std::int64_t line) {
-  const auto y = static_cast<std::uint16_t>(line);
-  context->runCount = width;
-  if (in.planes != nullptr) {
-    context->runCount = CvtReadPlaneLine(in.planes, context, x, y);
-    CvtWritePlaneLine(out.planes, context, x, y);
-  } else {
-    context->runCount = CvtReadPackedLine(in.packed, context, x, y);
-    CvtWritePackedLine(out.packed, context, x, y);
-  }
 }
 
 std::int64_t RowBytes(std::int64_t width) { return (width + 15) >> 3 & 0xFFFE; }
@@ -67,7 +54,11 @@ CvtStatus CutBand(bool planes, tagRasterPacked* band, tagIGFD* copy, tagCRLA* co
   band->lineCount = static_cast<std::uint16_t>(lines.end - lines.first);
   if (!planes) out = RefOpen(planes, band);
   if (out.Missing()) return kCvtNoMemory;
-  for (std::int64_t y = lines.first; y < lines.end; ++y) MoveLine(in, out, context, clipWidth, left, y);
+  for (std::int64_t line = lines.first; line < lines.end; ++line) {
+    const auto y = static_cast<std::uint16_t>(line);
+    RefReadPixels(in, context, clipWidth, left, y);
+    RefWriteLine(out, context, y);
+  }
   if (planes) Compact(band, *in.planes);
   RefClose(out);
   RefClose(in);

@@ -1,5 +1,5 @@
 // Twins of error diffusion to a palette and of its short-cut.
-#include "tests/reference/color.h"
+#include "tests/reference/band.h"
 
 namespace cvt::test {
 
@@ -64,7 +64,7 @@ CvtStatus RefColorDiffusion(Sibling which, tagRasterPacked** band, tagIGFD* sour
     return RefShortCut(band, source, destination, context);
   const bool gray = context->grayPalette == 1;
   const RefSource from = RefSourceOf(*source, *context, which.fromPlanes);
-  RefJob job = RefPaletteJob(which, **band, *source, *destination);
+  RefJob job = RefPaletteJob(which, PlaneSize::Full, **band, *source, *destination);
   job.convertLine = [&](RefCursor in, RefCursor out, std::uint16_t y) -> CvtStatus {
     RefReadLine(in, context, y);
     Triple carry = {0, 0, 0};

@@ -1,5 +1,5 @@
 // Twins of the ordered dithers, to one bit and to palettes, and of the dither index service.
-#include "tests/reference/color.h"
+#include "tests/reference/band.h"
 
 namespace cvt::test {
 
@@ -10,10 +10,8 @@ std::int64_t ThresholdAt(const tagCRLA& context, std::uint16_t column, std::uint
   return context.ditherMatrix[line % context.ditherHeight * context.ditherWidth + column % context.ditherWidth];
 }
 
-std::int64_t GrayLevel(const IRGB& color) { return (59 * color.green + 11 * color.blue + 30 * color.red) / 100; }
-
 std::uint16_t DitherGray(const tagCRLA& context, const IRGB& color, std::uint16_t column, std::uint16_t line) {
-  const std::int64_t d = ThresholdAt(context, column, line) - 126, gray = GrayLevel(color);
+  const std::int64_t d = ThresholdAt(context, column, line) - 126, gray = RefGray(color);
   const std::int64_t index = context.searchTable[gray];
   const std::int64_t step = context.ditherSteps[2 * index + (d >= 0 ? 0 : 1)];
   return context.searchTable[RefClampChannel(gray + (step * d >> 7))];
@@ -85,19 +83,15 @@ CvtStatus DitherLine(const RefSource& from, RefCursor in, RefCursor out, tagCRLA
 CvtStatus RefMonoDither(Sibling which, tagRasterPacked** band, tagIGFD* source, tagIGFD* destination,
                         tagCRLA* context) {
   const RefSource from = RefSourceOf(*source, *context, true);  // lowest channel as red in both layouts
-  std::uint16_t blackIndex = 0, whiteIndex = 0;
+  RefInks inks{};
   const auto ink = [&](const IRGB& color, std::uint16_t x, std::uint16_t y) {
     const std::int64_t row = y % context->ditherHeight * context->ditherWidth;
-    return context->ditherMatrix[row + x % context->ditherWidth] < GrayLevel(color) ? whiteIndex : blackIndex;
+    return context->ditherMatrix[row + x % context->ditherWidth] < RefGray(color) ? inks.white : inks.black;
   };
-  RefJob job = RefPaletteJob(which, **band, *source, *destination);
+  RefJob job = RefPaletteJob(which, PlaneSize::Full, **band, *source, *destination);
   job.releasesWithoutMemory = which.fromPlanes && !which.toPlanes;
   job.releasesWhenRefused = false;
-  job.opened = [&] {
-    IRGB black = {0, 0, 0}, white = {255, 255, 255};
-    blackIndex = static_cast<std::uint16_t>(CvtClosestRGB(&black, destination));
-    whiteIndex = static_cast<std::uint16_t>(CvtClosestRGB(&white, destination));
-  };
+  job.opened = [&] { inks = RefInksOf(destination); };
   job.convertLine = [&](RefCursor in, RefCursor out, std::uint16_t y) {
     return DitherLine(from, in, out, context, y, ink);
   };
@@ -115,7 +109,7 @@ CvtStatus RefColorDither(Sibling which, tagRasterPacked** band, tagIGFD* source,
     if (levels != 0) return DitherCube(*context, levels, color, column, y);
     return DitherColor(*context, color, column, y);
   };
-  RefJob job = RefPaletteJob(which, **band, *source, *destination);
+  RefJob job = RefPaletteJob(which, PlaneSize::Full, **band, *source, *destination);
   job.convertLine = [&](RefCursor in, RefCursor out, std::uint16_t y) {
     return DitherLine(from, in, out, context, y, index);
   };

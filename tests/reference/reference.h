@@ -11,74 +11,49 @@
 
 namespace cvt::test {
 
-/// The routine that a dispatch has to run.
-enum class Due : std::uint8_t {
-  Stop,
-  EmptyBand,
-  ClipPlane,
-  ClipPacked,
-  ScaleSmooth,
-  ScaleDownWidth,
-  ScaleDownHeight,
-  ScaleUpWidth,
-  ScaleUpHeight,
-  BitRGBPacked,
-  ByteRGBPacked,
-  BitRGBPlane,
-  ByteRGBPlane,
-  Relabel,
-  NearestBitByte,
-  NearestByteBit,
-  NearestBitBit,
-  NearestByteByte,
-  MonoDiffusionBitByte,
-  MonoDiffusionByteBit,
-  MonoDiffusionBitBit,
-  MonoDiffusionByteByte,
-  MonoDitherBitByte,
-  MonoDitherByteBit,
-  MonoDitherBitBit,
-  MonoDitherByteByte,
-  ColorDiffusionBitByte,
-  ColorDiffusionByteBit,
-  ColorDiffusionBitBit,
-  ColorDiffusionByteByte,
-  ColorDitherBitByte,
-  ColorDitherByteBit,
-  ColorDitherBitBit,
-  ColorDitherByteByte,
-  PassThrough
-};
-
-/// What a dispatch must do once the progress procedure has answered.
-Due DueRoutine(std::int16_t progressAnswer, std::uint16_t lineCount, const tagIGFD& source,
-               const tagIGFD& destination, const tagCRLA& context);
-
-/// Dispatch with the twins as the routines. What has no twin yet is not run and answers kNoTwin.
-inline constexpr CvtStatus kNoTwin = 32767;
-CvtStatus CVT_CALL RefCvtr2r(tagRasterPacked** band, tagIGFD* source, tagIGFD* destination, tagCRLA* context);
-bool HasTwin(Due due);
-
 /// Which of four siblings.
 struct Sibling {
   bool fromPlanes, toPlanes;
 };
 
-CvtStatus RefNearest(Sibling which, tagRasterPacked** band, tagIGFD* source, tagIGFD* destination,
-                     tagCRLA* context);
-CvtStatus RefMonoDiffusion(Sibling which, tagRasterPacked** band, tagIGFD* source, tagIGFD* destination,
-                           tagCRLA* context);
-CvtStatus RefRelabel(tagRasterPacked** band, tagIGFD* source, tagIGFD* destination, tagCRLA* context);
+/// The direction that a plain scaler works in.
+enum class Along : std::uint8_t { Width, Height };
+
+/// Twins of routines that come alone, in fours, and one for each direction.
+using RefRoutine = CvtStatus CVT_CALL(tagRasterPacked** band, tagIGFD* source, tagIGFD* destination,
+                                      tagCRLA* context);
+using RefSibling = CvtStatus(Sibling which, tagRasterPacked** band, tagIGFD* source, tagIGFD* destination,
+                             tagCRLA* context);
+using RefScaler = CvtStatus(Along along, tagRasterPacked** band, tagIGFD* source, tagIGFD* destination,
+                            tagCRLA* context);
+
+RefRoutine RefWholeCvtr2r;  // the dispatcher, with these twins as its routines
+RefSibling RefNearest, RefRGB, RefMonoDiffusion, RefMonoDither, RefColorDiffusion, RefColorDither;
+RefRoutine RefRelabel, RefShortCut, RefScaleSmooth;
+CvtStatus RefClip(bool planes, tagRasterPacked** band, tagIGFD* source, tagIGFD* destination, tagCRLA* context);
+RefScaler RefScaleUp, RefScaleDown;
+
+std::uint16_t RefDitherIndex(const tagCRLA& context, std::int16_t column, std::int16_t line, const IRGB& color);
+std::uint16_t RefCanShortCut(const tagRasterPacked& band, const tagIGFD& destination, tagCRLA* context);
+/// By the bytes that a pixel is stored in.
+CvtStatus RefShortCutStored(int pixelBytes, tagRasterPacked** band, tagIGFD* source, tagIGFD* destination,
+                            tagCRLA* context);
 
 tagPlaneData* RefOpenPlane(tagRasterPlane* band);
 tagPackedData* RefOpenPacked(tagRasterPacked* band);
-CvtStatus RefCreateContext(tagCRLA** context, std::uint16_t capacity);
-CvtStatus RefDestroyContext(tagCRLA* context);
 void RefFlipBits(tagRasterPlane* band);
 
 std::int32_t RefDistance(const WRGB& color, const IRGB& entry);
 std::int16_t RefClosest(const WRGB& color, const tagIGFD& descriptor);
 std::uint16_t RefSearchGray(const std::uint8_t* table, const WRGB& color);
 std::uint16_t RefSearchOctree(const tagIGFD& descriptor, const OCTtag* root, const WRGB& color);
+
+std::uint16_t RefTranslucentPlanes(tagPlaneData* cursor, tagCRLA* context, std::uint16_t x, std::uint16_t y,
+                                   const std::uint8_t* transparent);
+std::uint16_t RefTranslucentPacked(tagPackedData* cursor, tagCRLA* context, std::uint16_t x, std::uint16_t y,
+                                   const std::uint8_t* transparent);
+/// Pixels of 2 or 4 bytes, wherever they are.
+std::uint16_t RefTranslucentStored(int pixelBytes, tagPackedData* cursor, tagCRLA* context, std::uint16_t x,
+                                   std::uint16_t y, const std::uint8_t* transparent);
 
 }  // namespace cvt::test

@@ -1,5 +1,5 @@
 // Twin of the four conversions to direct colour.
-#include "tests/reference/color.h"
+#include "tests/reference/band.h"
 
 namespace cvt::test {
 
@@ -19,20 +19,6 @@ Pieces CutEvenly(std::int64_t outBits, std::int64_t inBits, std::uint32_t lines)
     each = lines / count;
   }
   return {count, each};
-}
-
-tagRasterPacked* CreateDirect(Sibling which, const tagRasterPacked& input, std::int64_t outBits,
-                              std::int64_t firstLine, std::int64_t lines) {
-  if (which.toPlanes) return RefCreateBand(which, PlaneSize::Full, input, outBits, firstLine, lines);
-  const std::int64_t size = ((input.width * outBits + 15) >> 3 & 0xFFFE) * lines;
-  auto* band = static_cast<tagRasterPacked*>(SioCreateOp(kPackedBand, static_cast<std::uint32_t>(size + 12)));
-  if (band == nullptr) return nullptr;
-  band->left = input.left;
-  band->top = static_cast<std::uint16_t>(input.top + firstLine);
-  band->width = input.width;
-  band->lineCount = static_cast<std::uint16_t>(lines);
-  band->bitsPerPixel = static_cast<std::uint16_t>(outBits);
-  return band;
 }
 
 }  // namespace
@@ -56,7 +42,9 @@ CvtStatus RefRGB(Sibling which, tagRasterPacked** band, tagIGFD* source, tagIGFD
   if (!which.fromPlanes && !which.toPlanes && in > 8 && wanted >= 24)
     pieces = in >= 24 ? Pieces{1, input.lineCount} : Pieces{2, (input.lineCount + 1) / 2};
   const auto create = [&](std::int64_t first, std::int64_t lines) {
-    return CreateDirect(which, input, outBits, first, lines);
+    if (which.toPlanes) return RefCreateBand(which, PlaneSize::Full, input, outBits, first, lines);
+    const std::int64_t size = ((input.width * outBits + 15) >> 3 & 0xFFFE) * lines;
+    return RefNewBand(false, size, {input.left, input.top + first, input.width, lines, outBits, 0});
   };
 
   const std::uint32_t d = destination->bitsPerPixel / 3 > 8 ? 8 : destination->bitsPerPixel / 3;
@@ -70,10 +58,7 @@ CvtStatus RefRGB(Sibling which, tagRasterPacked** band, tagIGFD* source, tagIGFD
       context->values[r] =
           which.toPlanes ? (((blue << d) | green) << d) | red : (((red << d) | green) << d) | blue;
     }
-    if (which.toPlanes)
-      CvtWritePlaneLine(out.planes, context, out.Left(), y);
-    else
-      CvtWritePackedLine(out.packed, context, out.Left(), y);
+    RefWriteLine(out, context, y);
     return kCvtOk;
   };
   return RefRunJob({which, pieces, create, false, false, [] {}, convert}, *band, source, destination, context);

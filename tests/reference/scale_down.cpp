@@ -43,19 +43,9 @@ tagRasterPacked* ReduceWidth(bool planes, tagRasterPacked* source, const Rescali
   const std::int64_t bytes =
       planes ? RefRowBytes(true, outWidth, 1) * lines : (RefRowBytes(false, scaled, depth) & 0xFFFE) * lines;
   const std::int32_t left = RefScaled(static_cast<std::int16_t>(source->left), r.to, r.from);
-  tagRasterPacked* made =
-      RefNewBand(planes, planes ? depth * bytes : bytes, {left, source->top, outWidth, lines, depth, bytes});
-  if (made == nullptr) return nullptr;
-  const RefCursor out = RefOpen(planes, made);
-  if (out.Missing()) return nullptr;
-  for (std::uint16_t y = out.Top(); y < out.Bottom(); ++y) {
-    RefReadLine(in, context, y);
-    RescaleRuns(context, r);
-    RefWriteLine(out, context, y);
-  }
-  RefClose(out);
-  RefClose(in);
-  return made;
+  return RefCopyLines(in, planes, planes ? depth * bytes : bytes,
+                      {left, source->top, outWidth, lines, depth, bytes}, context,
+                      [&] { RescaleRuns(context, r); });
 }
 
 tagRasterPacked* NewShorterBand(bool planes, const tagRasterPacked& source, std::int32_t firstLine,

@@ -1,5 +1,4 @@
 // Twins of the drivers of the plain scalers, and the steps that all scalers share.
-#include "tests/reference/color.h"
 #include "tests/reference/scale.h"
 #include "tests/scripted/prefix.h"
 
@@ -33,24 +32,20 @@ RefSplit RefSplitLines(std::uint32_t rowBytes, std::uint32_t lines, std::uint32_
   return {count, each};
 }
 
-tagRasterPacked* RefNewBand(bool planes, std::int64_t dataBytes, const RefHeader& header) {
-  const auto size = static_cast<std::uint32_t>(dataBytes + 12);
-  auto* band = static_cast<tagRasterPacked*>(SioCreateOp(planes ? kPlaneBand : kPackedBand, size));
-  if (band == nullptr) return nullptr;
-  band->left = static_cast<std::uint16_t>(header.left);
-  band->top = static_cast<std::uint16_t>(header.top);
-  band->width = static_cast<std::uint16_t>(header.width);
-  band->lineCount = static_cast<std::uint16_t>(header.lines);
-  band->bitsPerPixel = static_cast<std::uint16_t>(header.depth);
-  if (planes) band->planeBytes = static_cast<std::uint16_t>(header.planeBytes);
-  return band;
-}
-
-void RefWriteLine(RefCursor out, tagCRLA* context, std::uint16_t y) {
-  if (out.planes != nullptr)
-    CvtWritePlaneLine(out.planes, context, out.Left(), y);
-  else
-    CvtWritePackedLine(out.packed, context, out.Left(), y);
+tagRasterPacked* RefCopyLines(RefCursor in, bool planes, std::int64_t dataBytes, const RefHeader& header,
+                              tagCRLA* context, const std::function<void()>& change) {
+  tagRasterPacked* made = RefNewBand(planes, dataBytes, header);
+  if (made == nullptr) return nullptr;
+  const RefCursor out = RefOpen(planes, made);
+  if (out.Missing()) return nullptr;
+  for (std::uint16_t y = out.Top(); y < out.Bottom(); ++y) {
+    RefReadLine(in, context, y);
+    change();
+    RefWriteLine(out, context, y);
+  }
+  RefClose(out);
+  RefClose(in);
+  return made;
 }
 
 namespace {
@@ -65,6 +60,16 @@ Side SideOf(Along along, const tagIGFD& image) {
   return {image.imageHeight, image.originY};
 }
 
+void SetSide(Along along, tagIGFD* image, Side side) {
+  if (along == Along::Width) {
+    image->imageWidth = side.size;
+    image->originX = side.origin;
+  } else {
+    image->imageHeight = side.size;
+    image->originY = side.origin;
+  }
+}
+
 void Shift(Along along, tagRasterPacked* band, std::int64_t by) {
   if (along == Along::Width)
     band->left = static_cast<std::uint16_t>(band->left + by);
@@ -72,109 +77,69 @@ void Shift(Along along, tagRasterPacked* band, std::int64_t by) {
     band->top = static_cast<std::uint16_t>(band->top + by);
 }
 
-struct Job {
-  Along along;
-  tagIGFD* copy;
-  tagIGFD* destination;
-  tagCRLA* context;
-  Side from, to;
-};
+// The first band of an image that grows in height says at which lines it starts.
+void StartAt(const tagRasterPacked& band, Side from, Side to, tagCRLA* context) {
+  if (context->upSourceLine != 0 || context->upOutputLine != 0) return;
+  context->upSourceLine = band.top;
+  context->upOutputLine = static_cast<std::uint16_t>(RefScaledUnsigned(band.top, to.size, from.size));
+}
 
-Job StartJob(Along along, const tagIGFD& source, tagIGFD* copy, tagIGFD* destination, tagCRLA* context) {
-  if (along == Along::Width) {
-    copy->imageWidth = destination->imageWidth;
-    copy->originX = destination->originX;
-  } else {
-    copy->imageHeight = destination->imageHeight;
-    copy->originY = destination->originY;
+using Worker = std::function<tagRasterPacked*(bool planes, Side from, Side to, std::int16_t* next)>;
+
+CvtStatus Scale(Along along, tagRasterPacked** band, tagIGFD* source, tagIGFD* destination, tagCRLA* context,
+                bool startsHeight, const Worker& worker) {
+  tagIGFD* copy = CvtDupIGFD(source);
+  if (copy == nullptr) return kCvtNoDescriptor;
+  const Side from = SideOf(along, *source), to = SideOf(along, *destination);
+  SetSide(along, copy, to);
+  CvtStatus status = kCvtOk;
+  const int code = PrefixOf(*band).code;
+  std::int16_t next = 0;
+  if (from.size == to.size) {
+    Shift(along, *band, to.origin - from.origin);
+    status = context->convertProc(band, copy, destination, context);
+    CvtDisposeIGFD(copy);
+    return status;
   }
-  return {along, copy, destination, context, SideOf(along, source), SideOf(along, *destination)};
-}
-
-CvtStatus MoveOnly(const Job& job, tagRasterPacked** band) {
-  Shift(job.along, *band, job.to.origin - job.from.origin);
-  const CvtStatus status = job.context->convertProc(band, job.copy, job.destination, job.context);
-  CvtDisposeIGFD(job.copy);
-  return status;
-}
-
-CvtStatus PutAside(const Job& job, tagRasterPacked** band) {
-  SioPutOp(job.destination->opList, reinterpret_cast<void**>(band));
-  CvtDisposeIGFD(job.copy);
+  if (startsHeight) StartAt(**band, from, to, context);
+  if (code != 20 && code != 21) {
+    SioPutOp(destination->opList, reinterpret_cast<void**>(band));
+    CvtDisposeIGFD(copy);
+    return kCvtOk;
+  }
+  do {
+    tagRasterPacked* out = worker(code == 20, from, to, &next);
+    if (out == nullptr) return kCvtNoMemory;
+    Shift(along, out, to.origin - std::int64_t{RefScaledUnsigned(from.origin, to.size, from.size) & 0xFFFF});
+    status = context->convertProc(&out, copy, destination, context);
+    if (status != 0) return status;
+    RefFreeBand(out);
+  } while (next != 0);
+  CvtDisposeIGFD(copy);
   return kCvtOk;
-}
-
-CvtStatus HandOn(const Job& job, tagRasterPacked* out) {
-  const std::uint32_t q = RefScaledUnsigned(job.from.origin, job.to.size, job.from.size);
-  Shift(job.along, out, job.to.origin - std::int64_t{q & 0xFFFF});
-  const CvtStatus status = job.context->convertProc(&out, job.copy, job.destination, job.context);
-  if (status == 0) RefFreeBand(out);
-  return status;
 }
 
 }  // namespace
 
 CvtStatus RefScaleUp(Along along, tagRasterPacked** band, tagIGFD* source, tagIGFD* destination,
                      tagCRLA* context) {
-  tagIGFD* copy = CvtDupIGFD(source);
-  if (copy == nullptr) return kCvtNoDescriptor;
-  const Job job = StartJob(along, *source, copy, destination, context);
-  if (job.from.size == job.to.size) return MoveOnly(job, band);
-  if (along == Along::Height && context->upSourceLine == 0 && context->upOutputLine == 0) {
-    context->upSourceLine = (*band)->top;
-    context->upOutputLine =
-        static_cast<std::uint16_t>(RefScaledUnsigned((*band)->top, job.to.size, job.from.size));
-  }
-  const int code = PrefixOf(*band).code;
-  if (code != 20 && code != 21) return PutAside(job, band);
   const auto worker = along == Along::Width ? RefUpWidth : RefUpHeight;
-  std::int16_t next = 0;
-  do {
-    tagRasterPacked* out = worker(code == 20, band, job.from.size, job.to.size, context, &next);
-    if (out == nullptr) return kCvtNoMemory;
-    const CvtStatus status = HandOn(job, out);
-    if (status != 0) return status;
-  } while (next != 0);
-  CvtDisposeIGFD(copy);
-  return kCvtOk;
+  return Scale(along, band, source, destination, context, along == Along::Height,
+               [&](bool planes, Side from, Side to, std::int16_t* next) {
+                 return worker(planes, band, from.size, to.size, context, next);
+               });
 }
 
 CvtStatus RefScaleDown(Along along, tagRasterPacked** band, tagIGFD* source, tagIGFD* destination,
                        tagCRLA* context) {
-  tagIGFD* copy = CvtDupIGFD(source);
-  if (copy == nullptr) return kCvtNoDescriptor;
-  const Job job = StartJob(along, *source, copy, destination, context);
-  const std::int32_t from = job.from.size, to = job.to.size;
-  if (from == to) return MoveOnly(job, band);
-  const int code = PrefixOf(*band).code;
-  if (code != 20 && code != 21) return PutAside(job, band);
-  tagRasterPacked* out = nullptr;
-  if (along == Along::Width && context->scaleDownMethod == 2)
-    out = RefDecimateWidth(code == 20, band, from, to, context);
-  else if (along == Along::Width)
-    out = RefDownWidth(code == 20, band, from, to, context, destination->keepColor);
-  else if (context->scaleDownMethod == 2)
-    out = RefDecimateHeight(code == 20, band, from, to, context);
-  else
-    out = RefDownHeight(code == 20, band, from, to, context);
-  if (out == nullptr) return kCvtNoMemory;
-  const CvtStatus status = HandOn(job, out);
-  if (status != 0) return status;
-  CvtDisposeIGFD(copy);
-  return kCvtOk;
-}
-
-CvtStatus CVT_CALL RefWholeCvtr2r(tagRasterPacked** band, tagIGFD* source, tagIGFD* destination,
-                                  tagCRLA* context) {
-  const Due due = DueRoutine(0, (*band)->lineCount, *source, *destination, *context);
-  if (due < Due::ScaleSmooth || due > Due::ScaleUpHeight)
-    return RefColorCvtr2r(band, source, destination, context);
-  if (source->progressProc(source->progressData) != 0) return kCvtStopped;
-  if (due == Due::ScaleSmooth) return RefScaleSmooth(band, source, destination, context);
-  const bool width = due == Due::ScaleDownWidth || due == Due::ScaleUpWidth;
-  const bool reduces = due == Due::ScaleDownWidth || due == Due::ScaleDownHeight;
-  return (reduces ? RefScaleDown : RefScaleUp)(width ? Along::Width : Along::Height, band, source, destination,
-                                               context);
+  const bool samples = context->scaleDownMethod == 2, width = along == Along::Width;
+  return Scale(along, band, source, destination, context, false,
+               [&](bool planes, Side from, Side to, std::int16_t*) {
+                 if (width && !samples)
+                   return RefDownWidth(planes, band, from.size, to.size, context, destination->keepColor);
+                 const auto worker = width ? RefDecimateWidth : samples ? RefDecimateHeight : RefDownHeight;
+                 return worker(planes, band, from.size, to.size, context);
+               });
 }
 
 }  // namespace cvt::test

@@ -11,21 +11,12 @@ namespace {
 
 std::uint32_t LimitOf(const tagCRLA& context) { return (*context.next->stage)->bandLimit; }
 
-std::uint32_t Prepared(const tagIGFD& source, const tagIGFD& prepared, std::uint32_t v) {
-  std::uint32_t r = 0, g = 0, b = 0;
-  if ((source.colorFlags & 0x80) != 0) {
-    r = source.palette[v].red;
-    g = source.palette[v].green;
-    b = source.palette[v].blue;
-  } else {
-    const Channels channels = ChannelsOf(source);
-    b = channels.Of(v, 0);
-    g = channels.Of(v, 1);
-    r = channels.Of(v, 2);
-  }
-  if (prepared.bitsPerPixel == 8) return (30 * r + 59 * g + 11 * b) / 100;
-  const std::uint32_t kept = std::min(prepared.bitsPerPixel / 3u, 8u), cut = 8 - kept;
-  return (r >> cut) << 2 * kept | (g >> cut) << kept | b >> cut;
+std::uint32_t Prepared(const RefSource& from, const tagIGFD& prepared, std::uint32_t v) {
+  const IRGB color = from.ColorOf(nullptr, v);
+  if (prepared.bitsPerPixel == 8) return static_cast<std::uint32_t>(RefGray(color));
+  const Channels to = ChannelsOf(prepared);
+  const std::uint32_t red = color.red, green = color.green, blue = color.blue;
+  return (red >> to.shift) << 2 * to.width | (green >> to.shift) << to.width | blue >> to.shift;
 }
 
 // One image under way. A source pixel is dw units wide and an output pixel sw; a source line dh high, an output
@@ -132,16 +123,16 @@ CvtStatus RefSmoothKernel(bool color, tagRasterPacked* band, tagIGFD* prepared, 
   copy->imageHeight = destination->imageHeight;
   const std::int32_t sw = prepared->imageWidth, sh = prepared->imageHeight;
   const std::int32_t dw = destination->imageWidth, dh = destination->imageHeight;
-  const auto unsignedOf = [](std::int32_t v) { return static_cast<std::uint32_t>(v); };
-  const Smoothing job{unsignedOf(sw),
-                      unsignedOf(sh),
-                      unsignedOf(dw),
-                      unsignedOf(dh),
-                      color ? 3u : 1u,
-                      context,
-                      static_cast<std::uint32_t*>(context->ownedBuffer2),
-                      context->smoothCurrentLine,
-                      context->smoothSums};
+  Smoothing job{};
+  job.sw = static_cast<std::uint32_t>(sw);
+  job.sh = static_cast<std::uint32_t>(sh);
+  job.dw = static_cast<std::uint32_t>(dw);
+  job.dh = static_cast<std::uint32_t>(dh);
+  job.channels = color ? 3 : 1;
+  job.context = context;
+  job.previous = static_cast<std::uint32_t*>(context->ownedBuffer2);
+  job.current = context->smoothCurrentLine;
+  job.sums = context->smoothSums;
   const RefCursor in = RefOpen(false, band);
   if (in.Missing()) return kCvtNoMemory;
   Vertical at{in, in.Top(), context->scaleAccumulator, context->smoothOutputRemain};
@@ -197,20 +188,16 @@ tagRasterPacked* RefPrepareSmooth(bool planes, tagRasterPacked** band, tagIGFD* 
   const std::uint32_t k = *index;
   const bool isLast = k == split.count - 1;
   const std::uint32_t lines = isLast ? allLines - split.lines * k : split.lines;
-  tagRasterPacked* made = RefNewBand(false, (rowBytes & 0xFFFE) * lines & 0xFFFF,
-                                     {given.left, given.top + k * split.lines, given.width, lines, depth, 0});
-  if (made == nullptr) return nullptr;
-  const RefCursor out = RefOpen(false, made);
-  if (out.Missing()) return nullptr;
-  for (std::uint16_t y = out.Top(); y < out.Bottom(); ++y) {
-    RefReadLine(in, context, y);
-    for (std::uint32_t i = 0; i < context->runCount; ++i)
-      context->values[i] = Prepared(*source, *prepared, context->values[i]);
-    RefWriteLine(out, context, y);
-  }
-  RefClose(out);
-  RefClose(in);
-  *index = static_cast<std::uint16_t>(isLast ? 0 : k + 1);
+  RefSource from = RefSourceOf(*source, *context, false);
+  from.gamma = false;
+  from.indexMask = 0xFFFFFFFF;
+  tagRasterPacked* made =
+      RefCopyLines(in, false, (rowBytes & 0xFFFE) * lines & 0xFFFF,
+                   {given.left, given.top + k * split.lines, given.width, lines, depth, 0}, context, [&] {
+                     for (std::uint32_t i = 0; i < context->runCount; ++i)
+                       context->values[i] = Prepared(from, *prepared, context->values[i]);
+                   });
+  if (made != nullptr) *index = static_cast<std::uint16_t>(isLast ? 0 : k + 1);
   return made;
 }
 
@@ -239,20 +226,16 @@ CvtStatus RefScaleSmooth(tagRasterPacked** band, tagIGFD* source, tagIGFD* desti
   std::uint16_t index = 0;
   do {
     tagRasterPacked* piece = RefPrepareSmooth(planes, band, source, prepared, context, &index);
-    if (piece == nullptr) {
+    if (piece == nullptr)
       status = kCvtNoMemory;
-    } else if (piece->lineCount != 0) {
+    else if (piece->lineCount != 0)
       status = RefSmoothKernel(!gray, piece, prepared, destination, context);
-    }
-    if (status != kCvtOk || index == 0) {
-      if (gray && status != kCvtOk) SioFreeSMem(ramp);
-      if (piece != nullptr) RefFreeBand(piece);
-      if (gray && status == kCvtOk) SioFreeSMem(ramp);
-      CvtDisposeIGFD(prepared);
-      return status;
-    }
-    RefFreeBand(piece);
-  } while (true);
+    if (gray && status != kCvtOk) SioFreeSMem(ramp);
+    if (piece != nullptr) RefFreeBand(piece);
+  } while (status == kCvtOk && index != 0);
+  if (gray && status == kCvtOk) SioFreeSMem(ramp);
+  CvtDisposeIGFD(prepared);
+  return status;
 }
 
 }  // namespace cvt::test

@@ -51,19 +51,11 @@ tagRasterPacked* RefUpWidth(bool planes, tagRasterPacked** band, std::int32_t fr
   const std::int64_t lines = isLast ? allLines - split.lines * k : split.lines;
   const std::int64_t bytes = planes ? rowBytes * lines : (rowBytes & 0xFFFE) * lines & 0xFFFF;
   const std::int32_t left = RefScaled(static_cast<std::int16_t>(source->left), to, from);
-  tagRasterPacked* made = RefNewBand(planes, planes ? depth * bytes : bytes,
-                                     {left, source->top + split.lines * k, outWidth, lines, depth, bytes});
-  if (made == nullptr) return nullptr;
-  const RefCursor out = RefOpen(planes, made);
-  if (out.Missing()) return nullptr;
-  for (std::uint16_t y = out.Top(); y < out.Bottom(); ++y) {
-    RefReadLine(in, context, y);
-    Replicate(context, from, to, made->width);
-    RefWriteLine(out, context, y);
-  }
-  RefClose(out);
-  RefClose(in);
-  *index = static_cast<std::int16_t>(isLast ? 0 : k + 1);
+  tagRasterPacked* made =
+      RefCopyLines(in, planes, planes ? depth * bytes : bytes,
+                   {left, source->top + split.lines * k, outWidth, lines, depth, bytes}, context,
+                   [&] { Replicate(context, from, to, static_cast<std::uint16_t>(outWidth)); });
+  if (made != nullptr) *index = static_cast<std::int16_t>(isLast ? 0 : k + 1);
   return made;
 }
 

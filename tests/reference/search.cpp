@@ -8,19 +8,23 @@ std::int32_t RefDistance(const WRGB& color, const IRGB& entry) {
   return static_cast<std::int32_t>(r * r + g * g + b * b);
 }
 
-std::int16_t RefClosest(const WRGB& color, const tagIGFD& descriptor) {
-  const int shift = descriptor.bitsPerPixel % 32;
-  const std::int64_t entries = shift == 31 ? 0 : std::int64_t{1} << shift;
+template <class EntryAt>
+static std::int64_t Nearest(const WRGB& color, const tagIGFD& descriptor, std::int64_t entries, EntryAt entryAt) {
   std::int32_t best = 4000000;
   std::int64_t result = 0;
   for (std::int64_t i = 0; i < entries; ++i) {
-    const std::int32_t d = RefDistance(color, descriptor.palette[i]);
-    if (d < best) {
-      best = d;
-      result = i;
-    }
+    const std::int32_t d = RefDistance(color, descriptor.palette[entryAt(i)]);
+    if (d >= best) continue;
+    best = d;
+    result = entryAt(i);
   }
-  return static_cast<std::int16_t>(result);
+  return result;
+}
+
+std::int16_t RefClosest(const WRGB& color, const tagIGFD& descriptor) {
+  const int shift = descriptor.bitsPerPixel % 32;
+  const std::int64_t entries = shift == 31 ? 0 : std::int64_t{1} << shift;
+  return static_cast<std::int16_t>(Nearest(color, descriptor, entries, [](std::int64_t i) { return i; }));
 }
 
 std::uint16_t RefSearchGray(const std::uint8_t* table, const WRGB& color) {
@@ -44,18 +48,9 @@ std::uint16_t RefSearchOctree(const tagIGFD& descriptor, const OCTtag* root, con
                              std::int64_t{color.blue} * plane.a2;
     return static_cast<std::int32_t>(sum) > plane.threshold ? plane.indexAbove : plane.indexBelow;
   }
-  if (node->candidates != nullptr) {
-    std::int32_t best = 4000000;
-    std::uint16_t result = 0;
-    for (int i = 0; i < node->count; ++i) {
-      const std::int32_t d = RefDistance(color, descriptor.palette[node->candidates[i]]);
-      if (d < best) {
-        best = d;
-        result = node->candidates[i];
-      }
-    }
-    return result;
-  }
+  if (node->candidates != nullptr)
+    return static_cast<std::uint16_t>(
+        Nearest(color, descriptor, node->count, [node](std::int64_t i) { return node->candidates[i]; }));
   return static_cast<std::uint16_t>(node->count);
 }
 

@@ -73,19 +73,6 @@ std::int64_t Geometry(const tagPackedData& c) {
   return Hash(fields, sizeof fields);
 }
 
-// Appends entries to the context's arrays and never goes beyond their capacity.
-struct RunBuilder {
-  tagCRLA* context;
-  std::size_t capacity;
-  std::uint16_t count = 0;
-
-  void Add(std::uint32_t length, std::uint32_t value) {
-    if (count == capacity) return;
-    context->runLengths[count] = static_cast<std::uint16_t>(length);
-    context->values[count++] = value;
-  }
-};
-
 template <class Cursor>
 std::uint16_t ReadLine(Call call, Cursor* cursor, tagCRLA* context, std::uint16_t x, std::uint16_t y) {
   World& here = World::Here();
@@ -95,8 +82,14 @@ std::uint16_t ReadLine(Call call, Cursor* cursor, tagCRLA* context, std::uint16_
   const std::size_t row = static_cast<std::uint16_t>(y - cursor->top);
   const std::uint32_t wanted = context->runCount;
   const std::uint32_t end = style == Runs::OneShort && wanted > 0 ? wanted - 1 : wanted;
-  RunBuilder runs{context, here.runLengths.size()};
-  std::size_t spare = runs.capacity - std::min<std::size_t>(runs.capacity, end);
+  const std::size_t capacity = here.runLengths.size();
+  std::size_t spare = capacity - std::min<std::size_t>(capacity, end);
+  std::uint16_t count = 0;
+  const auto add = [&](std::uint32_t length, std::uint32_t value) {  // never beyond the capacity
+    if (count == capacity) return;
+    context->runLengths[count] = static_cast<std::uint16_t>(length);
+    context->values[count++] = value;
+  };
   for (std::uint32_t i = 0; i < end;) {
     const std::uint32_t value = GetPixel(*cursor, pixels, column + i, row);
     std::uint32_t length = 1;
@@ -104,14 +97,14 @@ std::uint16_t ReadLine(Call call, Cursor* cursor, tagCRLA* context, std::uint16_
       while (i + length < end && GetPixel(*cursor, pixels, column + i + length, row) == value) ++length;
     spare += length - 1;
     if (style == Runs::WithEmpty && spare > 0) {
-      runs.Add(0, value ^ 1);
+      add(0, value ^ 1);
       --spare;
     }
-    runs.Add(length, value);
+    add(length, value);
     i += length;
   }
-  here.Note(call, {here.Identify(cursor), Geometry(*cursor), here.Identify(context), x, y, wanted, runs.count});
-  return runs.count;
+  here.Note(call, {here.Identify(cursor), Geometry(*cursor), here.Identify(context), x, y, wanted, count});
+  return count;
 }
 
 template <class Cursor>

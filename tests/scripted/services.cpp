@@ -10,12 +10,12 @@ std::int16_t CVT_CALL ScriptedProgress(std::uint32_t data) {
   return answer;
 }
 
-static void Scribble(World& here) {
+static void Scribble(World& here, tagCRLA* context) {
   for (std::size_t i = 0; i < here.values.size(); ++i) {
-    here.values[i] = 0xBADBAD00 + static_cast<std::uint32_t>(i);
-    here.runLengths[i] = 9;
+    context->values[i] = 0xBADBAD00 + static_cast<std::uint32_t>(i);
+    context->runLengths[i] = 9;
   }
-  here.context.runCount = 3;
+  context->runCount = 3;
 }
 
 static void ReplaceBand(World& here, tagRasterPacked** band) {
@@ -30,10 +30,15 @@ std::int16_t CVT_CALL ScriptedConvert(tagRasterPacked** band, tagIGFD* source, t
   const Script& script = here.script;
   const std::int16_t answer = ++here.converts == script.convertFailsAt ? script.convertAnswer : std::int16_t{0};
   here.handedOn.push_back(here.BytesOf(*band));
+  tagIGFD seen = *source;
+  if (const std::int64_t ordinal = here.Identify(source->palette); ordinal > 0) {  // a palette of the library's
+    here.handedOn.push_back(here.BytesOf(source->palette));
+    seen.palette = reinterpret_cast<IRGB*>(ordinal);
+  }
   here.Note(Call::Convert,
             {here.Identify(*band), static_cast<std::int64_t>(here.handedOn.size()), here.Identify(source),
-             Hash(source, sizeof *source), here.Identify(destination), here.Identify(context), answer});
-  if (script.scribbles) Scribble(here);
+             Hash(&seen, sizeof seen), here.Identify(destination), here.Identify(context), answer});
+  if (script.scribbles) Scribble(here, context);
   if (script.replacesBand) ReplaceBand(here, band);
   if (script.changesSettings) {
     context->grayPalette = context->grayPalette == kGrayRamp ? std::uint8_t{0} : kGrayRamp;
@@ -101,10 +106,3 @@ std::int16_t CVT_CALL CvtExecuteNextFunction(execute* next) {
   *next->rasterSlot = nullptr;
   return answer;
 }
-
-tagCRLA* CVT_CALL CvtOpenr2r(tagIGFD*, tagIGFD*) {
-  World::Here().Note(Call::Open, {});
-  return nullptr;
-}
-
-void CVT_CALL CvtCloser2r(tagCRLA*) { World::Here().Note(Call::Close, {}); }

@@ -1,5 +1,6 @@
 #include "tests/scripted/world.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <random>
@@ -149,16 +150,27 @@ std::int64_t World::ErrorRowHash() const {
   return script.watchesErrorRow ? Hash(errors.data(), errors.size() * 2) : 0;
 }
 
+std::vector<Block> World::InOrder() const {
+  std::vector<Block> blocks;
+  for (const auto& [base, block] : live_) blocks.push_back(block);
+  std::sort(blocks.begin(), blocks.end(), [](const Block& a, const Block& b) { return a.ordinal < b.ordinal; });
+  return blocks;
+}
+
 std::vector<std::string> World::LeftAllocated() const {
-  static constexpr std::array<const char*, 4> kNames = {"heap block", "band", "descriptor copy", "caller's band"};
-  std::map<std::uint32_t, std::string> byOrdinal;
-  for (const auto& [base, block] : live_)
-    if (block.kind != BlockKind::CallersBand)
-      byOrdinal[block.ordinal] = std::string(kNames[static_cast<std::size_t>(block.kind)]) + " of " +
-                                 std::to_string(block.size) + " bytes";
+  static constexpr std::array<const char*, 3> kNames = {"heap block", "band", "descriptor copy"};
   std::vector<std::string> left;
-  for (const auto& [ordinal, text] : byOrdinal) left.push_back(text);
+  for (const Block& block : InOrder())
+    if (const auto kind = static_cast<std::size_t>(block.kind); kind < kNames.size())
+      left.push_back(std::string(kNames[kind]) + " of " + std::to_string(block.size) + " bytes");
   return left;
+}
+
+std::vector<std::vector<std::uint8_t>> World::CallersHeap() const {
+  std::vector<std::vector<std::uint8_t>> blocks;
+  for (const Block& block : InOrder())
+    if (block.kind == BlockKind::CallersHeap) blocks.emplace_back(block.base, block.base + block.size);
+  return blocks;
 }
 
 }  // namespace cvt::test

@@ -40,9 +40,7 @@ enum class Call : std::uint8_t {
   PlanePixel,
   PackedPixel,
   Convert,
-  Progress,
-  Open,
-  Close
+  Progress
 };
 
 struct Entry {
@@ -78,7 +76,7 @@ struct Script {
   std::uint16_t isGray = 0;
 };
 
-enum class BlockKind : std::uint8_t { Heap, Band, Copy, CallersBand };
+enum class BlockKind : std::uint8_t { Heap, Band, Copy, CallersBand, CallersHeap };
 
 struct Block {
   std::uint8_t* base;  // of a band: its prefix
@@ -123,7 +121,8 @@ class World {
   std::int64_t Identify(const void* what) const;  // ordinal of a block, a negative name, 0 for null
   std::vector<std::uint8_t> BytesOf(const void* band);
   std::int64_t ErrorRowHash() const;
-  std::vector<std::string> LeftAllocated() const;
+  std::vector<std::string> LeftAllocated() const;  // none of them the caller's
+  std::vector<std::vector<std::uint8_t>> CallersHeap() const;
 
   Script script;
   std::vector<Entry> log;
@@ -141,6 +140,8 @@ class World {
   std::size_t listReads = 0;
 
  private:
+  std::vector<Block> InOrder() const;
+
   std::map<const void*, Block> live_;  // by base
   std::uint32_t ordinals_ = 0;
 };
