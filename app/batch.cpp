@@ -7,6 +7,7 @@
 #include <chrono>
 #include <cstdio>
 #include <filesystem>
+#include <memory>
 #include <mutex>
 #include <new>
 #include <string>
@@ -14,6 +15,7 @@
 #include <thread>
 
 #include "app/convert_image.h"
+#include "app/interrupt.h"
 #include "app/progress.h"
 #include "app/report_file.h"
 
@@ -24,15 +26,17 @@ using pipeline::Fail;
 
 namespace {
 
-// What workers share. The first three are only read; the mutex guards what follows it.
+// What workers share. The first three are only read; each mutex guards what follows it.
 struct Batch {
   const Arguments& arguments;
   const Wishes& wishes;
   const std::vector<Files>& files;
   std::atomic<std::size_t> next{0};
-  std::mutex mutex{};
+  std::atomic<bool> exhausted{false};  // memory ran out beside the conversion of an image
+  std::mutex reportMutex{};
   ReportFile report{};
   Outcome reporting{};  // of the report's last line
+  std::mutex mutex{};
   Progress progress{};
   std::size_t finished = 0, failed = 0;
 };
@@ -80,6 +84,15 @@ void Tell(const Arguments& arguments, const ImageReport& report) {
   std::fprintf(stderr, "r2r: %s\n", OneLine(names + what).c_str());
 }
 
+// The line of the report, as soon as the output has its name.
+void AddLine(Batch& batch, const ImageReport& report) {
+  {
+    const std::lock_guard<std::mutex> lock(batch.reportMutex);
+    if (!Failed(batch.reporting)) batch.reporting = AddToReport(batch.arguments, batch.report, report);
+  }
+  if (report.made.held) ReleaseInterrupts();  // not before others can go on: the signal may end this thread
+}
+
 // One image is through: tells it, under the lock, so that lines stay whole.
 void Finish(Batch& batch, const Outcome& outcome, const ImageReport& report) {
   const std::lock_guard<std::mutex> lock(batch.mutex);
@@ -89,34 +102,57 @@ void Finish(Batch& batch, const Outcome& outcome, const ImageReport& report) {
   if (Failed(outcome)) ++batch.failed;
   Report(outcome);
   Tell(batch.arguments, report);
-  if (!Failed(batch.reporting)) batch.reporting = AddToReport(batch.arguments, batch.report, report);
   ShowLine(std::to_string(batch.finished) + " of " + std::to_string(batch.files.size()) + " images, " +
                std::to_string(batch.failed) + " failed",
            &batch.progress);
 }
 
-void RunWorker(Batch& batch) {
+void RunWorker(Batch& batch) try {
   for (std::size_t i = batch.next++; i < batch.files.size(); i = batch.next++) {
     ImageReport report;
     Outcome outcome = Work(batch.arguments, batch.wishes, batch.files[i], Messages::Quiet, &report);
+    AddLine(batch, report);
     Finish(batch, outcome, report);
   }
+} catch (const std::bad_alloc&) {
+  batch.exhausted = true;
+}
+
+// As many as the system has room for. Each takes more than its stack: memory for its images, and the share that
+// malloc sets aside for a thread.
+void StartWorkers(Batch& batch, std::size_t wanted, std::vector<std::jthread>* workers) try {
+  constexpr std::size_t kRoom = 64 << 20;
+  std::vector<std::unique_ptr<char[]>> rooms;
+  while (workers->size() + 1 < wanted) {
+    rooms.push_back(std::make_unique_for_overwrite<char[]>(kRoom));
+    workers->emplace_back([&batch] { RunWorker(batch); });
+  }
+} catch (const std::system_error&) {
+} catch (const std::bad_alloc&) {
 }
 
 void RunWorkers(Batch& batch) {
   const auto wanted = static_cast<std::size_t>(batch.arguments.jobs.value_or(1));
   std::vector<std::jthread> workers;
-  for (std::size_t i = 1; i < std::min(wanted, batch.files.size()); ++i) {
-    workers.emplace_back([&batch] { RunWorker(batch); });
-  }
-  RunWorker(batch);
+  StartWorkers(batch, std::min(wanted, batch.files.size()), &workers);
+  RunWorker(batch);  // this thread is one of them
 }
 
-Outcome MakeDirectory(const std::string& path) {
+Outcome MakeDirectory(const std::string& path, bool* made) {
   std::error_code error;
-  std::filesystem::create_directories(path, error);
+  *made = std::filesystem::create_directories(path, error);
   if (!error) return Done();
   return {Fail(Code::Output, "the directory cannot be made: " + error.message() + " (check its name)"), path};
+}
+
+// The report may lie in the directory. Without a report there is no work, and so no new directory.
+Outcome OpenPlaces(const Arguments& arguments, ReportFile* report) {
+  bool made = false;
+  if (Outcome failed = MakeDirectory(*arguments.outDir, &made); Failed(failed)) return failed;
+  Outcome outcome = OpenReport(arguments, report);
+  std::error_code ignored;
+  if (Failed(outcome) && made) std::filesystem::remove(*arguments.outDir, ignored);
+  return outcome;
 }
 
 }  // namespace
@@ -129,8 +165,9 @@ Outcome ConvertOne(const Arguments& arguments, const Files& files) {
   const Messages messages = arguments.quiet ? Messages::Quiet : Messages::Progress;
   ImageReport report;
   Outcome outcome = Work(arguments, wishes, files, messages, &report);
-  Tell(arguments, report);
   Outcome reporting = AddToReport(arguments, file, report);
+  if (report.made.held) ReleaseInterrupts();
+  Tell(arguments, report);
   return Failed(outcome) ? outcome : reporting;
 }
 
@@ -138,11 +175,11 @@ Outcome ConvertMany(const Arguments& arguments, const std::vector<Files>& files)
   Wishes wishes;
   if (Outcome failed = ReadWishes(arguments, &wishes); Failed(failed)) return failed;
   Batch batch{.arguments = arguments, .wishes = wishes, .files = files};
-  if (Outcome failed = OpenReport(arguments, &batch.report); Failed(failed)) return failed;
-  if (Outcome failed = MakeDirectory(*arguments.outDir); Failed(failed)) return failed;
+  if (Outcome failed = OpenPlaces(arguments, &batch.report); Failed(failed)) return failed;
   batch.progress = StartProgress(arguments.quiet);
   RunWorkers(batch);
   EraseProgress(batch.progress);
+  if (batch.exhausted) return {pipeline::OutOfMemory(), ""};
   if (Failed(batch.reporting)) return batch.reporting;
   if (batch.failed == 0) return Done();
   return {Fail(Code::Partial, std::to_string(batch.failed) + " of " + std::to_string(files.size()) +

@@ -51,12 +51,16 @@ void AddOption(CLI::App& app, const OptionRow& row, Arguments* arguments) {
   if (const auto* flag = std::get_if<Switch>(&row.kind)) {
     option = app.add_flag(row.name, arguments->*flag->target, row.help)->disable_flag_override();
   } else {
-    const auto set = [&row, arguments](const std::string& word) {
-      SetOption(row, word, arguments);
-      arguments->given.push_back({row.name, word});
+    const auto set = [&row, arguments](const std::vector<std::string>& words) {
+      if (words.size() > 1) throw CLI::ValidationError(row.name, "it is given twice (give it once)");
+      SetOption(row, words[0], arguments);
+      arguments->given.push_back({row.name, words[0]});
     };
     const auto* choice = std::get_if<Choice>(&row.kind);
-    option = app.add_option_function<std::string>(row.name, set, row.help)
+    option = app.add_option_function<std::vector<std::string>>(row.name, set, row.help)
+                 ->expected(1)
+                 ->allow_extra_args(false)
+                 ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
                  ->type_name(choice != nullptr ? Joined(choice->words) : row.value);
   }
   option->group(row.group);
@@ -80,15 +84,19 @@ const Command* CommandOf(const CLI::App& root) {
   return nullptr;
 }
 
+// The first word that looks like an option. "-9" is a number to CLI11 and so an operand.
+Outcome CheckNoOption(const std::vector<std::string>& words, const Command* command) {
+  const auto found = std::find_if(words.begin(), words.end(),
+                                  [](const std::string& word) { return word.size() > 1 && word[0] == '-'; });
+  if (found == words.end()) return Done();
+  const std::string name = command == nullptr ? "" : std::string(" ") + command->name;
+  return Usage(*found, "there is no such option (see r2r" + name + " --help)");
+}
+
 // What no option or operand took. An option that does not exist leaves its value behind as well, so the
 // first that looks like an option is the one to name.
 Outcome CheckExtras(const std::vector<std::string>& extras, const Command* command) {
-  for (const std::string& word : extras) {
-    if (word.size() > 1 && word[0] == '-') {
-      const std::string name = command == nullptr ? "" : std::string(" ") + command->name;
-      return Usage(word, "there is no such option (see r2r" + name + " --help)");
-    }
-  }
+  if (Outcome failed = CheckNoOption(extras, command); Failed(failed)) return failed;
   return extras.empty() ? Done() : Usage(extras[0], "there is no such command (see r2r --help)");
 }
 
@@ -98,12 +106,11 @@ Outcome CheckOperands(const Command& command, const std::vector<std::string>& op
   return operands.size() <= command.most ? Done() : Usage(operands[command.most], "one operand too many" + form);
 }
 
-Outcome CheckRequest(const CLI::App& root, const Command* command, const Arguments& arguments) {
+// What stood before "--".
+Outcome CheckWords(const CLI::App& root, const Command* command, const Arguments& arguments) {
   if (Outcome failed = CheckExtras(root.remaining(true), command); Failed(failed)) return failed;
-  if (command == nullptr) {
-    return Usage("", "there is no command (give r2r convert INPUT OUTPUT, or r2r --help)");
-  }
-  return CheckOperands(*command, arguments.operands);
+  if (command != nullptr) return CheckNoOption(arguments.operands, command);
+  return Usage("", "there is no command (give r2r convert INPUT OUTPUT, or r2r --help)");
 }
 
 // Fills in what the preset says and the command line does not. What was given rules over the preset, and so
@@ -141,7 +148,9 @@ Outcome Misread(const CLI::ParseError& error) {
     const std::string name = message.substr(0, message.find(' '));
     return Usage((name.size() > 1 ? "--" : "-") + name, "it takes no value (leave out what follows the =)");
   }
-  return Usage("", message.ends_with(')') ? message : message + " (see r2r convert --help)");
+  const bool plain = error.get_name() != "ArgumentMismatch";
+  if (plain) return Usage("", message.ends_with(')') ? message : message + " (see r2r convert --help)");
+  return Usage(message.substr(0, message.find(':')), "its value is missing (give it behind the option)");
 }
 
 }  // namespace
@@ -153,8 +162,10 @@ Outcome ParseCommandLine(int count, const char* const* words, Request* request) 
   root.allow_extras();
   root.footer(Examples());
   for (const Command& command : Commands()) AddCommand(root, command, &request->arguments);
+  const char* const* const end = words + count;
+  const char* const* const options = std::find(words, end, std::string_view("--"));
   try {
-    root.parse(count, words);
+    root.parse(static_cast<int>(options - words), words);
   } catch (const CLI::CallForHelp&) {
     const Command* command = CommandOf(root);
     request->text = HelpText(root, command);
@@ -166,7 +177,10 @@ Outcome ParseCommandLine(int count, const char* const* words, Request* request) 
     return Misread(error);
   }
   const Command* command = CommandOf(root);
-  if (Outcome failed = CheckRequest(root, command, request->arguments); Failed(failed)) return failed;
+  if (Outcome failed = CheckWords(root, command, request->arguments); Failed(failed)) return failed;
+  std::vector<std::string>& operands = request->arguments.operands;
+  if (options != end) operands.insert(operands.end(), options + 1, end);
+  if (Outcome failed = CheckOperands(*command, operands); Failed(failed)) return failed;
   request->run = command->run;
   return TakePreset(root, &request->arguments);
 }

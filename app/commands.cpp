@@ -37,7 +37,7 @@ constexpr Command kCommands[] = {
     {"chart",
      "Write the test chart",
      {"r2r chart [OPTIONS] OUTPUT"},
-     "PNG, TIFF, PPM, PAM or raw",
+     "PNG, TIFF, PPM, PAM, raw or a C source",
      1,
      1,
      RunChart,

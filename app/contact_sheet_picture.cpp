@@ -9,6 +9,7 @@ namespace cvt::app {
 
 using pipeline::Failed;
 using pipeline::Image;
+using pipeline::Ok;
 using pipeline::Status;
 
 namespace {
@@ -23,7 +24,7 @@ constexpr std::int32_t kWide = 480;     // from here on there is room for letter
 constexpr IRGB kPaper{244, 244, 241}, kInk{27, 27, 27}, kFaint{107, 107, 100}, kEdge{211, 211, 205};
 
 struct Canvas {
-  std::int32_t width, height;
+  std::int32_t width = 0, height = 0;
   std::vector<std::uint8_t> rgb;
 };
 
@@ -141,16 +142,19 @@ std::int32_t RowsOf(const SheetGroup& group) {
   return (static_cast<std::int32_t>(group.cells.size()) + kColumns - 1) / kColumns;
 }
 
-Canvas BlankCanvas(const Sheet& sheet, const Layout& layout) {
-  Canvas canvas{
-      2 * kMargin + kColumns * layout.cell.width + (kColumns - 1) * kGap, 2 * kMargin + layout.titleHeight, {}};
+Status TakeCanvas(const Sheet& sheet, const Layout& layout, Canvas* taken) {
+  Canvas& canvas = *taken;
+  canvas.width = 2 * kMargin + kColumns * layout.cell.width + (kColumns - 1) * kGap;
+  canvas.height = 2 * kMargin + layout.titleHeight;
   for (const SheetGroup& group : sheet.groups) {
     canvas.height += kGap + kHeading + RowsOf(group) * (layout.cell.height + kGap);
   }
-  canvas.rgb.resize(std::size_t{3} * static_cast<std::size_t>(canvas.width) *
-                    static_cast<std::size_t>(canvas.height));
+  const std::uint64_t bytes =
+      std::uint64_t{3} * static_cast<std::uint32_t>(canvas.width) * static_cast<std::uint32_t>(canvas.height);
+  if (bytes > canvas.rgb.max_size()) return pipeline::OutOfMemory();
+  canvas.rgb.resize(static_cast<std::size_t>(bytes));
   Fill(canvas, 0, 0, {canvas.width, canvas.height}, kPaper);
-  return canvas;
+  return Ok();
 }
 
 void DrawCell(Canvas& canvas, std::int32_t x, std::int32_t y, const Layout& layout, const SheetCell& cell) {
@@ -178,7 +182,8 @@ void DrawGroup(Canvas& canvas, std::int32_t y, const Layout& layout, const Sheet
 
 Status WriteSheetPicture(const Sheet& sheet, const pipeline::RowSink& sink) {
   const Layout layout = LayoutOf(sheet);
-  Canvas canvas = BlankCanvas(sheet, layout);
+  Canvas canvas;
+  if (Status failed = TakeCanvas(sheet, layout, &canvas); Failed(failed)) return failed;
   DrawCell(canvas, kMargin, kMargin, layout, sheet.original);
   const std::int32_t beside = kMargin + layout.cell.width + kGap;
   const std::int32_t width = TitleWidth(layout);

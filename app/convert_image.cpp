@@ -2,11 +2,13 @@
 
 #include <cstdio>
 #include <filesystem>
+#include <system_error>
 #include <utility>
 #include <vector>
 
 #include "app/checksum.h"
 #include "app/fit_palette.h"
+#include "app/interrupt.h"
 #include "app/overlay.h"
 #include "app/progress.h"
 
@@ -63,12 +65,8 @@ Outcome Convert(const Files& files, RowSource& source, const Settings& settings,
 }
 
 Outcome CheckDepth(const Arguments& arguments, Format format) {
-  const bool rowsOnly = arguments.depth && pipeline::IsDirect(static_cast<std::int32_t>(*arguments.depth)) &&
-                        *arguments.depth != pipeline::kDirectDepth;
-  if (!rowsOnly || imageio::TakesAnyRows(format)) return Done();
-  return Usage("--depth",
-               std::to_string(*arguments.depth) +
-                   " bits a pixel are for raw and C output only (give --format raw or c, or --depth 24)");
+  const auto depth = static_cast<std::int32_t>(arguments.depth.value_or(pipeline::kDirectDepth));
+  return {imageio::CheckDepth(depth, format), "--depth"};
 }
 
 // A palette that is fitted to the image takes all of its rows, so that the image is opened once more.
@@ -85,6 +83,13 @@ RowSink Arranged(const Arguments& arguments, RowSink sink, const Settings& setti
   return packs ? pipeline::PackRows(std::move(sink)) : sink;
 }
 
+// A pipe may have a reader that takes its time: nothing is held for that.
+bool ReportsToFile(const Arguments& arguments) {
+  std::error_code unknown;
+  return arguments.report && *arguments.report != "-" &&
+         std::filesystem::is_regular_file(*arguments.report, unknown);
+}
+
 }  // namespace
 
 Outcome OpenConversion(const Arguments& arguments, const Wishes& wishes, const Files& files, Format format,
@@ -93,7 +98,7 @@ Outcome OpenConversion(const Arguments& arguments, const Wishes& wishes, const F
   if (Outcome failed = OpenSource(arguments, files.input, source); Failed(failed)) return failed;
   if (Outcome failed = ChooseSettings(arguments, wishes, source->image, format, chosen); Failed(failed))
     return failed;
-  if (chosen->adaptive && !std::filesystem::is_regular_file(files.input)) {
+  if (chosen->adaptive && (files.input == "-" || !std::filesystem::is_regular_file(files.input))) {
     return Usage("--palette", "adaptive reads the image twice, " + InputName(files) +
                                   " can be read only once (give a file, or another palette)");
   }
@@ -124,7 +129,12 @@ Outcome ConvertImage(const Arguments& arguments, const Wishes& wishes, const Fil
   Format format{};
   Status status = imageio::ChooseFormat(files.output, WishedFormat(arguments), &format);
   if (pipeline::Failed(status)) return {status, OutputName(files)};
-  const auto create = [&arguments, &files](RowSink* sink) { return CreateSink(arguments, files, sink); };
+  const auto create = [&arguments, &files, made](RowSink* sink) {
+    return CreateSink(arguments, files, sink, [&arguments, made] {
+      made->held = ReportsToFile(arguments);
+      if (made->held) HoldInterrupts();
+    });
+  };
   return ConvertInto(arguments, wishes, files, format, create, messages, made);
 }
 

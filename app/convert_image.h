@@ -18,6 +18,7 @@ struct Made {
   std::int32_t fromWidth = 0, fromHeight = 0;
   std::int32_t width = 0, height = 0, depth = 0;
   std::uint32_t crc = 0;  // with --report: CRC-32 of the rows, as raw output has them
+  bool held = false;      // with a report: interrupts are held until the output's line is in it
 };
 
 enum class Messages : std::uint8_t { Quiet, Progress };
@@ -33,7 +34,7 @@ using CreateRows = std::function<Outcome(pipeline::RowSink* sink)>;
 Outcome ConvertInto(const Arguments& arguments, const Wishes& wishes, const Files& files, imageio::Format format,
                     const CreateRows& create, Messages messages, Made* made);
 
-/// The same, into the output file.
+/// The same, into the output file. Who writes its line of the report releases the interrupts that are held.
 Outcome ConvertImage(const Arguments& arguments, const Wishes& wishes, const Files& files, Messages messages,
                      Made* made);
 

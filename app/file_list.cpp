@@ -1,4 +1,5 @@
 // Which images many conversions read and write.
+#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
@@ -20,7 +21,8 @@ Outcome ReadNames(const Arguments& arguments, std::vector<std::string>* names) {
   while (std::getline(lines, name, arguments.nulBetween ? '\0' : '\n')) {
     if (!name.empty()) names->push_back(name);
   }
-  if (lines.eof() && !lines.bad()) return Done();
+  const bool failed = list == "-" && std::ferror(stdin) != 0;  // which std::cin takes for the end
+  if (lines.eof() && !lines.bad() && !failed) return Done();
   return {
       pipeline::Fail(pipeline::Code::Input, "the list of files cannot be read (check its name and permissions)"),
       SourceName(list)};

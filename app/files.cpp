@@ -1,5 +1,7 @@
 #include "app/files.h"
 
+#include <utility>
+
 #include "app/interrupt.h"
 
 namespace cvt::app {
@@ -27,12 +29,14 @@ Outcome OpenSource(const Arguments& arguments, const std::string& path, pipeline
   return {imageio::OpenImage(path, ReadingOptions(arguments), source), SourceName(path)};
 }
 
-Outcome CreateSink(const Arguments& arguments, const Files& files, pipeline::RowSink* sink) {
+Outcome CreateSink(const Arguments& arguments, const Files& files, pipeline::RowSink* sink,
+                   std::function<void()> naming) {
   imageio::WriteOptions options;
   options.format = WishedFormat(arguments);
   if (arguments.compress) options.compression = static_cast<imageio::Compression>(*arguments.compress);
   if (arguments.force) options.existing = imageio::Existing::Replace;
   options.temporary = RemoveWhenInterrupted;
+  options.naming = std::move(naming);
   return {imageio::CreateImage(files.output, options, sink), OutputName(files)};
 }
 

@@ -1,6 +1,9 @@
 // The files of a command as its options name them.
 #pragma once
 
+#include <functional>
+#include <string>
+
 #include "app/option_table.h"
 #include "app/report.h"
 #include "imageio/image_file.h"
@@ -26,6 +29,8 @@ imageio::ReadOptions ReadingOptions(const Arguments& arguments);
 /// Opens an image so; "-" is standard input.
 Outcome OpenSource(const Arguments& arguments, const std::string& path, pipeline::RowSource* source);
 
-Outcome CreateSink(const Arguments& arguments, const Files& files, pipeline::RowSink* sink);
+/// Creates the output; `naming` is called when it is complete and about to take its name.
+Outcome CreateSink(const Arguments& arguments, const Files& files, pipeline::RowSink* sink,
+                   std::function<void()> naming = {});
 
 }  // namespace cvt::app

@@ -35,6 +35,13 @@ std::string ResolutionOf(const Image& image) {
   return Decimal(image.resolution.x) + " x " + Decimal(image.resolution.y) + " pixels an inch";
 }
 
+// What the file has and the rows do not.
+std::string StoredText(const imageio::Stored& stored) {
+  std::string text;
+  if (stored.bits > 8) text += ", samples of " + std::to_string(stored.bits) + " bits (read as 8)";
+  return stored.transparency ? text + ", with transparency" : text;
+}
+
 // The colours of a palette, eight a line; grays in order speak for themselves.
 std::string PaletteLines(const Image& image) {
   std::string lines;
@@ -53,28 +60,19 @@ std::string Tell(const std::string& name, const Description& description) {
   const Image& image = description.image;
   return OneLine(name) + ": " + description.kind + ", " + std::to_string(image.width) + " x " +
          std::to_string(image.height) + " pixels, " + std::to_string(image.depth) +
-         (image.depth == 1 ? " bit" : " bits") + " packed, " + Colors(image) + ", " + ResolutionOf(image) + "\n" +
-         PaletteLines(image);
+         (image.depth == 1 ? " bit" : " bits") + " packed, " + Colors(image) + StoredText(description.stored) +
+         ", " + ResolutionOf(image) + "\n" + PaletteLines(image);
 }
 
-// Where no page is asked for, all that there are, until there is no next one to choose.
 Outcome TellFile(const Arguments& arguments, const std::string& path) {
-  imageio::ReadOptions options = ReadingOptions(arguments);
-  const bool all = options.page == 0 && path != "-";
-  if (all) options.page = 1;
-  std::vector<Description> pages(1);
-  Outcome outcome{imageio::DescribeImage(path, options, &pages[0]), SourceName(path)};
-  while (all && !Failed(outcome)) {
-    ++options.page;
-    outcome.status = imageio::DescribeImage(path, options, &pages.emplace_back());
-  }
-  if (Failed(outcome)) pages.pop_back();
+  std::vector<Description> pages;
+  Outcome outcome{imageio::DescribeImage(path, ReadingOptions(arguments), &pages), SourceName(path)};
   std::string text;
   for (std::size_t i = 0; i < pages.size(); ++i) {
     text += Tell(SourceName(path) + (pages.size() > 1 ? " page " + std::to_string(i + 1) : ""), pages[i]);
   }
   if (Outcome failed = Print(text); Failed(failed)) return failed;
-  return all && !pages.empty() && outcome.status.code == Code::Usage ? Done() : outcome;
+  return outcome;
 }
 
 }  // namespace

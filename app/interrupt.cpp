@@ -1,5 +1,6 @@
 #include "app/interrupt.h"
 
+#include <poll.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -23,18 +24,35 @@ struct FileToRemove {
 };
 static_assert(std::atomic<Slot>::is_always_lock_free);
 
-// The one variable that outlives a call: a signal handler is handed nothing and can look nowhere else.
-// As many as there can be workers.
-FileToRemove filesToRemove[256];
+// What outlives a call: a signal handler is handed nothing and can look nowhere else.
+FileToRemove filesToRemove[256];  // as many as there can be workers
+std::atomic<int> holding{0};      // threads between HoldInterrupts and ReleaseInterrupts
+std::atomic<bool> ending{false};
+
+// The handler may have stopped a thread that has what those which hold it off need, as the lock of malloc: so it
+// does not wait for ever.
+void AwaitRelease() {
+  constexpr int kMostMilliseconds = 1000;
+  ending = true;
+  for (int i = 0; i < kMostMilliseconds && holding > 0; ++i) ::poll(nullptr, 0, 1);
+}
 
 // Calls only what is safe in the midst of anything.
 extern "C" void EndInterrupted(int) {
+  AwaitRelease();
   for (const FileToRemove& file : filesToRemove) {
     if (file.state.load() == Slot::Named) ::unlink(file.name);
   }
   constexpr std::string_view kWords = "r2r: interrupted (run it again for what is missing)\n";
   static_cast<void>(!::write(STDERR_FILENO, kWords.data(), kWords.size()));
   ::_exit(kExitInterrupted);
+}
+
+sigset_t EndingSignals() {
+  sigset_t signals;
+  sigemptyset(&signals);
+  for (const int signal : kEndingSignals) sigaddset(&signals, signal);
+  return signals;
 }
 
 void Add(const char* name) {
@@ -61,8 +79,7 @@ void Remove(const char* name) {
 
 void HandleSignals() {
   struct sigaction action {};
-  sigemptyset(&action.sa_mask);
-  for (const int signal : kEndingSignals) sigaddset(&action.sa_mask, signal);
+  action.sa_mask = EndingSignals();
   action.sa_handler = EndInterrupted;
   for (const int signal : kEndingSignals) {
     struct sigaction before {};
@@ -71,6 +88,21 @@ void HandleSignals() {
   }
   std::signal(SIGPIPE, SIG_IGN);
   std::signal(SIGXFSZ, SIG_IGN);
+}
+
+void HoldInterrupts() {
+  const sigset_t signals = EndingSignals();
+  ::pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+  ++holding;
+  if (!ending) return;
+  --holding;
+  for (;;) ::pause();  // the program is about to end
+}
+
+void ReleaseInterrupts() {
+  --holding;
+  const sigset_t signals = EndingSignals();
+  ::pthread_sigmask(SIG_UNBLOCK, &signals, nullptr);
 }
 
 void RemoveWhenInterrupted(const char* name, bool exists) { exists ? Add(name) : Remove(name); }

@@ -1,5 +1,8 @@
 #include "app/option_table.h"
 
+#include <algorithm>
+#include <cstdint>
+
 #include "imageio/image_file.h"
 
 namespace cvt::app {
@@ -16,7 +19,8 @@ namespace {
 constexpr std::int64_t kMostPixels = 1000000000000;
 constexpr std::int64_t kMostJobs = 256;
 constexpr std::int64_t kMostPages = 65535;
-constexpr std::int64_t kMostMebibytes = 1 << 20;
+// What a piece of memory can have: less than 2 GiB on a machine of 32 bits.
+constexpr std::int64_t kMostMebibytes = std::min<std::int64_t>(1 << 20, PTRDIFF_MAX >> 20);
 constexpr const char* kColorForm = "black, white, #rgb or #rrggbb";
 
 template <class Enum>
@@ -50,9 +54,9 @@ constexpr Word kCompressions[] = {Named("none", Compression::None, "as it is"),
 
 const OptionRow kConvertOptions[] = {
     {"Geometry", "--crop", "WxH+X+Y", "cut out a rectangle before anything else",
-     Form<pipeline::Crop>{&Arguments::crop, ParseCrop, "WxH+X+Y, in pixels"}},
+     Form<pipeline::Crop>{&Arguments::crop, ParseCrop, "WxH+X+Y, pixels up to 65535"}},
     {"Geometry", "--size", "WxH|W|xH|N%", "new size; one number keeps the aspect ratio",
-     Form<SizeWish>{&Arguments::size, ParseSize, "WxH, W, xH or N%, whole numbers from 1 up"}},
+     Form<SizeWish>{&Arguments::size, ParseSize, "WxH, W, xH or N%, sides from 1 to 65535, percents to 100000"}},
     {"Geometry", "--reduce", "",
      "how to shrink; default keep for 1-bit and indexed images, smooth for gray and colour",
      Choice{&Arguments::reduce, kReduces}},
@@ -60,8 +64,8 @@ const OptionRow kConvertOptions[] = {
     {"Geometry", "--keep-color", "COLOR", "whose runs never vanish with --reduce keep; default black",
      Form<IRGB>{&Arguments::keepColor, ParseColor, kColorForm}},
     {"Colour", "--depth", "N",
-     "1 to 8: indexed, 24: direct colour; raw only: 15 and 16 (5 bits a channel), 32; default: by palette, format "
-     "and input",
+     "1 to 8: indexed, 24: direct colour; raw and c only: 15 and 16 (5 bits a channel), 32; default: by palette, "
+     "format and input",
      Form<std::int64_t>{&Arguments::depth, ParseDepth, "1 to 8, 15, 16, 24 or 32"}},
     {"Colour", "--palette", "SPEC",
      "a name of r2r list palettes, FILE.gpl, .hex, .pal or .png, or #rrggbb,#rrggbb,...; order kept; default: "

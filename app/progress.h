@@ -9,7 +9,7 @@ namespace cvt::app {
 
 struct Progress {
   std::int32_t whole = 1;
-  std::int32_t percent = -1;  // that the line shows; -1: no line yet
+  std::int32_t percent = -1;  // told last, shown once a second is over; -1: none yet
   std::size_t shown = 0;      // characters on the line
   bool wanted = false;
   std::chrono::steady_clock::time_point start;

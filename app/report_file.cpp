@@ -1,8 +1,11 @@
 #include "app/report_file.h"
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <filesystem>
+#include <fstream>
 #include <nlohmann/json.hpp>
 #include <system_error>
 
@@ -39,31 +42,51 @@ std::string LineFor(const ImageReport& report) {
   return line.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + "\n";
 }
 
+// Whether a report that is to be continued ends within a line, as that of a program that was killed may.
+bool EndsWithinLine(const std::string& path) {
+  std::error_code unknown;
+  if (!std::filesystem::is_regular_file(path, unknown)) return false;
+  std::ifstream file(path, std::ios::binary);
+  file.seekg(-1, std::ios::end);
+  const int last = file.get();
+  return file && last != '\n';
+}
+
+// What a full disk has taken of the text is cut off again. Nothing waits in a buffer to follow later.
+Outcome WriteWhole(const Arguments& arguments, const ReportFile& file, const std::string& text) {
+  const int descriptor = ::fileno(file.get());
+  struct stat before {};
+  const bool isFile = ::fstat(descriptor, &before) == 0 && S_ISREG(before.st_mode);
+  if (std::fwrite(text.data(), 1, text.size(), file.get()) == text.size()) return Done();
+  if (isFile) static_cast<void>(!::ftruncate(descriptor, before.st_size));
+  return {Fail(Code::Output, "writing failed (make room, or choose another place for the report)"),
+          OutputName({"", *arguments.report})};
+}
+
+Outcome CannotCreate(const Arguments& arguments, int error) {
+  const std::string reason =
+      error == EEXIST ? "the file exists (give --force to replace it, or --skip-existing to go on with it)"
+                      : "it cannot be created: " + std::generic_category().message(error) +
+                            " (check its directory and permissions)";
+  return {Fail(Code::Output, reason), OutputName({"", *arguments.report})};
+}
+
 }  // namespace
 
 Outcome OpenReport(const Arguments& arguments, ReportFile* file) {
   if (!arguments.report) return Done();
+  const std::string& path = *arguments.report;
+  const bool output = path == "-";
+  const bool open = !output && arguments.skipExisting && EndsWithinLine(path);
   const char* mode = arguments.skipExisting ? "abe" : arguments.force ? "wbe" : "wbxe";
-  file->reset(*arguments.report == "-" ? ::fdopen(::dup(STDOUT_FILENO), "wb")
-                                       : std::fopen(arguments.report->c_str(), mode));
-  if (*file != nullptr) return Done();
-  const int error = errno;
-  const std::string reason = error == EEXIST
-                                 ? "the file exists (give --force to replace it, or --skip-existing to "
-                                   "go on with it)"
-                                 : "it cannot be created: " + std::generic_category().message(error) +
-                                       " (check its directory and permissions)";
-  return {Fail(Code::Output, reason), *arguments.report};
+  file->reset(output ? ::fdopen(::dup(STDOUT_FILENO), "wb") : std::fopen(path.c_str(), mode));
+  if (*file == nullptr) return CannotCreate(arguments, errno);
+  std::setvbuf(file->get(), nullptr, _IONBF, 0);
+  return open ? WriteWhole(arguments, *file, "\n") : Done();
 }
 
 Outcome AddToReport(const Arguments& arguments, const ReportFile& file, const ImageReport& report) {
-  if (file == nullptr) return Done();
-  const std::string line = LineFor(report);
-  const bool written =
-      std::fwrite(line.data(), 1, line.size(), file.get()) == line.size() && std::fflush(file.get()) == 0;
-  if (written) return Done();
-  return {Fail(Code::Output, "writing failed (make room, or choose another place for the report)"),
-          *arguments.report};
+  return file == nullptr ? Done() : WriteWhole(arguments, file, LineFor(report));
 }
 
 }  // namespace cvt::app

@@ -28,7 +28,7 @@ using ReportFile = std::unique_ptr<std::FILE, CloseFile>;  // null: none is want
 /// A report that exists is refused, replaced with --force, and continued with --skip-existing.
 Outcome OpenReport(const Arguments& arguments, ReportFile* file);
 
-/// Adds one line, whole or not at all.
+/// Adds one line: whole, or, where the report is a file, not at all.
 Outcome AddToReport(const Arguments& arguments, const ReportFile& file, const ImageReport& report);
 
 }  // namespace cvt::app

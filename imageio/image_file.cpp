@@ -36,23 +36,21 @@ constexpr Suffix kSuffixes[] = {{".png", Format::Png}, {".tif", Format::Tiff}, {
                                 {".pnm", Format::Pnm}, {".pam", Format::Pam},  {".raw", Format::Raw},
                                 {".c", Format::C}};
 
-// What raw rows hold and files for people do not is refused here for all of them.
-pipeline::RowSink RefuseRawDepths(pipeline::RowSink sink) {
-  sink.begin = [begin = std::move(sink.begin)](const pipeline::Image& image) {
-    if (!pipeline::IsDirect(image.depth) || image.depth == pipeline::kDirectDepth) return begin(image);
-    return Fail(Code::Usage,
-                std::to_string(image.depth) + " bits a pixel are for raw and C output only (choose 24)");
-  };
-  return sink;
-}
-
 pipeline::RowSink SinkFor(Format format, Compression compression, const std::string& path,
                           std::unique_ptr<OutputFile> file) {
   if (format == Format::Raw) return WriteRaw(std::move(file));
   if (format == Format::C) return WriteC(std::move(file), path);
-  if (format == Format::Png) return RefuseRawDepths(WritePng(std::move(file)));
-  if (format == Format::Tiff) return RefuseRawDepths(WriteTiff(std::move(file), compression));
-  return RefuseRawDepths(WritePnm(std::move(file), format));
+  if (format == Format::Png) return WritePng(std::move(file));
+  if (format == Format::Tiff) return WriteTiff(std::move(file), compression);
+  return WritePnm(std::move(file), format);
+}
+
+pipeline::RowSink DepthsChecked(pipeline::RowSink sink, Format format) {
+  sink.begin = [begin = std::move(sink.begin), format](const pipeline::Image& image) {
+    Status status = CheckDepth(image.depth, format);
+    return Failed(status) ? status : begin(image);
+  };
+  return sink;
 }
 
 // The order of its bytes and 42, or 43 where offsets have 64 bits.
@@ -73,26 +71,26 @@ bool IsPnm(std::string_view head) {
 struct Reader {
   const char* kind;
   bool (*knows)(std::string_view head);  // the first four bytes, fewer where there are no more
-  Status (*open)(std::unique_ptr<InputFile> file, const ReadOptions& options, pipeline::RowSource* source);
+  Status (*open)(std::unique_ptr<InputFile> file, const ReadOptions& options, pipeline::RowSource* source,
+                 Stored* stored);
 };
 constexpr Reader kReaders[] = {{"PNG", IsPng, OpenPng},           {"TIFF", IsTiff, OpenTiff},
                                {"JPEG", IsJpeg, OpenJpeg},        {"PBM", IsPnm<'1', '4'>, OpenPnm},
                                {"PGM", IsPnm<'2', '5'>, OpenPnm}, {"PPM", IsPnm<'3', '6'>, OpenPnm},
                                {"PAM", IsPnm<'7', '7'>, OpenPnm}};
 
-Status OpenKind(const std::string& path, const ReadOptions& options, pipeline::RowSource* source,
-                const char** kind) {
-  std::unique_ptr<InputFile> file;
-  if (Status failed = OpenInput(path, &file); Failed(failed)) return failed;
-  const std::string_view head = Peek(*file, 4);
-  if (file->error != 0) return EndOfInput(*file, "");
+Status FindReader(const std::string& path, const ReadOptions& options, std::unique_ptr<InputFile>* file,
+                  Reader* found) {
+  if (Status failed = OpenInput(path, file); Failed(failed)) return failed;
+  const std::string_view head = Peek(**file, 4);
+  if ((*file)->error != 0) return EndOfInput(**file, "");
   if (head.empty()) return Fail(Code::Input, "the file is empty (give an image)");
   for (const Reader& reader : kReaders) {
     if (!reader.knows(head)) continue;
-    *kind = reader.kind;
+    *found = reader;
     if (options.page > 1 && reader.open != OpenTiff)
       return Fail(Code::Usage, "the file has 1 page (leave --page out)");
-    return reader.open(std::move(file), options, source);
+    return Ok();
   }
   return Fail(Code::Input, "this is no image of a known format (give a PNG, JPEG, TIFF, PBM, PGM, PPM or PAM)");
 }
@@ -108,12 +106,12 @@ bool HasSuffix(const std::string& path, std::string_view suffix) {
 Status CheckSize(std::int64_t width, std::int64_t height, const ReadOptions& options) {
   if (width == 0 || height == 0) return Fail(Code::Input, "the image has no pixels (give one that has)");
   if (width > kMaxWidth) {
-    return Fail(Code::Limit, "the image is " + std::to_string(width) + " pixels wide, the limit is " +
-                                 std::to_string(kMaxWidth) + " (cut it into narrower pieces)");
+    return Fail(Code::Limit, "the image is more than " + std::to_string(kMaxWidth) +
+                                 " pixels wide (cut it into narrower pieces)");
   }
   if (height > kMaxHeight) {
-    return Fail(Code::Limit, "the image is " + std::to_string(height) + " pixels high, the limit is " +
-                                 std::to_string(kMaxHeight) + " (cut it into lower pieces)");
+    return Fail(Code::Limit, "the image is more than " + std::to_string(kMaxHeight) +
+                                 " pixels high (cut it into lower pieces)");
   }
   if (width * height > options.maxPixels) {
     return Fail(Code::Limit, "the image has " + std::to_string(width) + " x " + std::to_string(height) +
@@ -124,15 +122,31 @@ Status CheckSize(std::int64_t width, std::int64_t height, const ReadOptions& opt
 }
 
 Status OpenImage(const std::string& path, const ReadOptions& options, pipeline::RowSource* source) {
-  const char* kind = nullptr;
-  return OpenKind(path, options, source, &kind);
+  std::unique_ptr<InputFile> file;
+  Reader reader = kReaders[0];
+  if (Status failed = FindReader(path, options, &file, &reader); Failed(failed)) return failed;
+  Stored stored;
+  return reader.open(std::move(file), options, source, &stored);
 }
 
-Status DescribeImage(const std::string& path, const ReadOptions& options, Description* description) {
+Status DescribeImage(const std::string& path, const ReadOptions& options, std::vector<Description>* pages) {
+  std::unique_ptr<InputFile> file;
+  Reader reader = kReaders[0];
+  if (Status failed = FindReader(path, options, &file, &reader); Failed(failed)) return failed;
+  if (reader.open == OpenTiff) return DescribeTiff(std::move(file), options, pages);
   pipeline::RowSource source;
-  Status status = OpenKind(path, options, &source, &description->kind);
-  description->image = std::move(source.image);
-  return status;
+  Description page{reader.kind, {}, {}};
+  if (Status failed = reader.open(std::move(file), options, &source, &page.stored); Failed(failed)) return failed;
+  page.image = std::move(source.image);
+  pages->push_back(std::move(page));
+  return Ok();
+}
+
+Status CheckDepth(std::int32_t depth, Format format) {
+  if (!pipeline::IsDirect(depth) || depth == pipeline::kDirectDepth || TakesAnyRows(format)) return Ok();
+  return Fail(Code::Usage,
+              std::to_string(depth) +
+                  " bits a pixel are for raw and C output only (choose --format raw or c, or 24 bits)");
 }
 
 const char* SuffixOf(Format format) {
@@ -166,7 +180,7 @@ Status CreateImage(const std::string& path, const WriteOptions& options, pipelin
   }
   std::unique_ptr<OutputFile> file;
   if (Status failed = CreateOutput(path, options, &file); Failed(failed)) return failed;
-  *sink = SinkFor(format, options.compression, path, std::move(file));
+  *sink = DepthsChecked(SinkFor(format, options.compression, path, std::move(file)), format);
   return Ok();
 }
 

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "pipeline/image.h"
 #include "pipeline/status.h"
@@ -34,6 +35,8 @@ struct WriteOptions {
   // gone again: a program that is interrupted in between removes it, if it is there. No other file ever has
   // that name. Outputs on several threads call it at the same time.
   std::function<void(const char* name, bool exists)> temporary = {};
+  // Called when the file is complete and about to take its name.
+  std::function<void()> naming = {};
   Compression compression = Compression::Default;  // another one is refused for formats but TIFF
   // Nameless where the system can: then `temporary` is told of the moment of a replacement only.
   Unfinished unfinished = Unfinished::Nameless;
@@ -49,13 +52,22 @@ struct WriteOptions {
 /// `source->read` answers the same codes, and Code::Input for an image that ends early.
 pipeline::Status OpenImage(const std::string& path, const ReadOptions& options, pipeline::RowSource* source);
 
-struct Description {
-  const char* kind = "";  // "PNG"
-  pipeline::Image image;
+/// How a file has the samples of an image.
+struct Stored {
+  std::int32_t bits = 0;      // of a sample
+  bool transparency = false;  // the background may show through
 };
 
-/// What OpenImage would deliver; fails as it does.
-pipeline::Status DescribeImage(const std::string& path, const ReadOptions& options, Description* description);
+struct Description {
+  const char* kind = "";  // "PNG"
+  pipeline::Image image;  // as OpenImage would deliver it
+  Stored stored;
+};
+
+/// Tells of the page that the options choose, or of all where they choose none, and opens the file once. Fails as
+/// OpenImage does; `pages` then has those before the one that failed.
+pipeline::Status DescribeImage(const std::string& path, const ReadOptions& options,
+                               std::vector<Description>* pages);
 
 /// Creates an image; "-" is standard output. The file appears under its name when `sink->end` is done;
 /// a sink that is destroyed before leaves nothing behind. Devices and pipes are written directly.
@@ -69,6 +81,9 @@ pipeline::Status CreateImage(const std::string& path, const WriteOptions& option
 
 /// Whether the format has room for rows of any depth and layout.
 constexpr bool TakesAnyRows(Format format) { return format == Format::Raw || format == Format::C; }
+
+/// Code::Usage for a depth that raw rows have and files for people do not.
+pipeline::Status CheckDepth(std::int32_t depth, Format format);
 
 /// The suffix by which files of a format are named, with its dot.
 const char* SuffixOf(Format format);

@@ -84,9 +84,12 @@ std::size_t Read(InputFile& file, std::uint8_t* to, std::size_t bytes) {
 }
 
 Status EndOfInput(const InputFile& file, std::string ended) {
-  if (file.error == 0) return Fail(Code::Input, std::move(ended));
-  return Fail(Code::Input, "reading failed: " + std::generic_category().message(file.error) +
-                               " (check the disk or the connection)");
+  return file.error == 0 ? Fail(Code::Input, std::move(ended)) : ReadFailure(file.error);
+}
+
+Status ReadFailure(int error) {
+  return Fail(Code::Input,
+              "reading failed: " + std::generic_category().message(error) + " (check the disk or the connection)");
 }
 
 }  // namespace cvt::imageio

@@ -36,6 +36,9 @@ std::size_t Read(InputFile& file, std::uint8_t* to, std::size_t bytes);
 /// What to say when the data ended or reading failed: `ended`, unless there was an error.
 pipeline::Status EndOfInput(const InputFile& file, std::string ended);
 
+/// What to say when reading failed with this errno.
+pipeline::Status ReadFailure(int error);
+
 bool Refill(InputFile& file);  // false: no more data
 
 /// Takes one byte; -1 where the data ends.

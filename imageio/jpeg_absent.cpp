@@ -3,7 +3,7 @@
 
 namespace cvt::imageio {
 
-pipeline::Status OpenJpeg(std::unique_ptr<InputFile>, const ReadOptions&, pipeline::RowSource*) {
+pipeline::Status OpenJpeg(std::unique_ptr<InputFile>, const ReadOptions&, pipeline::RowSource*, Stored*) {
   return pipeline::Fail(pipeline::Code::Usage,
                         "this r2r was built without JPEG (convert it to PNG first, or build r2r with libjpeg)");
 }

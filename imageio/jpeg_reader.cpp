@@ -200,12 +200,14 @@ Status ReadRow(JpegReader& reader, std::uint8_t* row) {
 
 }  // namespace
 
-Status OpenJpeg(std::unique_ptr<InputFile> file, const ReadOptions& options, pipeline::RowSource* source) {
+Status OpenJpeg(std::unique_ptr<InputFile> file, const ReadOptions& options, pipeline::RowSource* source,
+                Stored* stored) {
   auto reader = std::make_shared<JpegReader>();
   reader->file = std::move(file);
   reader->options = options;
   if (!ReadHeader(*reader)) return Damaged(*reader);
   if (Status failed = TakeHeader(*reader); Failed(failed)) return failed;
+  *stored = {reader->jpeg.data_precision, false};
   source->image = reader->image;
   source->read = [reader](std::uint8_t* row) { return ReadRow(*reader, row); };
   return Ok();

@@ -181,6 +181,7 @@ Status CreateOutput(const std::string& path, const WriteOptions& options, std::u
   auto created = std::make_unique<OutputFile>();
   created->existing = options.existing;
   created->onTemporary = options.temporary;
+  created->onNaming = options.naming;
   created->buffer.reserve(kBufferBytes);
   struct stat about {};
   Status status = Ok();
@@ -216,6 +217,7 @@ Status WriteFailure(const OutputFile& file) {
 Status Commit(OutputFile& file) {
   if (!Flush(file) || !Settle(file)) return WriteFailure(file);
   if (file.target.empty()) return Ok();
+  if (file.onNaming) file.onNaming();
   const int error = file.temporary.empty() ? NameNameless(file) : Rename(file);
   if (error == EEXIST) return Exists();
   if (error != 0) {

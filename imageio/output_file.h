@@ -29,6 +29,7 @@ struct OutputFile {
   std::string temporary;  // empty: there is no name to remove
   Existing existing = Existing::Refuse;
   std::function<void(const char* name, bool exists)> onTemporary;
+  std::function<void()> onNaming;
   std::vector<std::uint8_t> buffer;
 };
 

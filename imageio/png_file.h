@@ -15,7 +15,8 @@ namespace cvt::imageio {
 inline constexpr double kMetresAnInch = 0.0254;
 
 /// As OpenImage, for a file that starts like a PNG.
-pipeline::Status OpenPng(std::unique_ptr<InputFile> file, const ReadOptions& options, pipeline::RowSource* source);
+pipeline::Status OpenPng(std::unique_ptr<InputFile> file, const ReadOptions& options, pipeline::RowSource* source,
+                         Stored* stored);
 
 /// The palette of an indexed PNG as it is stored. Code::Input for any other file.
 pipeline::Status ReadPngPalette(const std::string& path, std::vector<IRGB>* palette);

@@ -146,6 +146,12 @@ void TakeSamples(PngReader& reader, int colorType, int bitDepth) {
   reader.flatten = ChooseFlatten({bitDepth / 8, gray ? 1 : 3, alpha}, reader.how, &reader.image);
 }
 
+Stored StoredAs(const PngReader& reader) {
+  const bool alpha = (png_get_color_type(reader.png, reader.info) & PNG_COLOR_MASK_ALPHA) != 0;
+  return {png_get_bit_depth(reader.png, reader.info),
+          alpha || png_get_valid(reader.png, reader.info, PNG_INFO_tRNS) != 0};
+}
+
 Status TakeHeader(PngReader& reader) {
   const png_uint_32 width = png_get_image_width(reader.png, reader.info);
   const png_uint_32 height = png_get_image_height(reader.png, reader.info);
@@ -220,12 +226,14 @@ Status ReadRow(PngReader& reader, std::uint8_t* row) {
 
 }  // namespace
 
-Status OpenPng(std::unique_ptr<InputFile> file, const ReadOptions& options, pipeline::RowSource* source) {
+Status OpenPng(std::unique_ptr<InputFile> file, const ReadOptions& options, pipeline::RowSource* source,
+               Stored* stored) {
   auto reader = std::make_shared<PngReader>();
   reader->file = std::move(file);
   reader->options = options;
   if (!ReadHeader(*reader)) return Damaged(*reader);
   if (Status failed = TakeHeader(*reader); Failed(failed)) return failed;
+  *stored = StoredAs(*reader);
   source->image = reader->image;
   source->read = [reader](std::uint8_t* row) { return ReadRow(*reader, row); };
   return Ok();

@@ -52,6 +52,13 @@ std::int32_t RampDepth(std::int64_t largest) {
   return 0;
 }
 
+// Bits that the largest value takes.
+std::int32_t BitsOf(std::int64_t largest) {
+  std::int32_t bits = 1;
+  while (largest >> bits != 0) ++bits;
+  return bits;
+}
+
 Status PlainBitRow(PnmReader& reader) {
   for (std::uint16_t& sample : reader.samples) {
     const int c = NextVisible(*reader.file);
@@ -174,7 +181,8 @@ void PrepareRows(PnmReader& reader) {
 
 }  // namespace
 
-Status OpenPnm(std::unique_ptr<InputFile> file, const ReadOptions& options, pipeline::RowSource* source) {
+Status OpenPnm(std::unique_ptr<InputFile> file, const ReadOptions& options, pipeline::RowSource* source,
+               Stored* stored) {
   auto reader = std::make_shared<PnmReader>();
   reader->file = std::move(file);
   const auto readHeader = Peek(*reader->file, 2) == "P7" ? ReadPamHeader : ReadPnmHeader;
@@ -183,6 +191,7 @@ Status OpenPnm(std::unique_ptr<InputFile> file, const ReadOptions& options, pipe
   if (Status failed = CheckSize(header.width, header.height, options); Failed(failed)) return failed;
   ChooseImage(*reader, options);
   PrepareRows(*reader);
+  *stored = {BitsOf(header.largest), header.alpha};
   source->image = reader->image;
   source->read = [reader](std::uint8_t* row) { return ReadRow(*reader, row); };
   return Ok();

@@ -43,7 +43,7 @@ Status CheckFits(Format format, const Image& image) {
                 "a PBM holds black and white in one bit (choose --depth 1 --palette bw, or another format)");
   }
   if (format == Format::Pgm && !IsGray(image)) {
-    return Fail(Code::Usage, "a PGM holds grays only (choose --palette gray, or a PPM or PNG)");
+    return Fail(Code::Usage, "a PGM holds grays only (choose --depth 8 --palette gray, or a PPM or PNG)");
   }
   return Ok();
 }

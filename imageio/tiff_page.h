@@ -27,6 +27,11 @@ struct TiffPage {
 
 TiffPage TagsOf(TIFF* tiff);
 
+/// Bytes of so many pixels of a row as it is stored, or of one plane of it.
+constexpr std::int64_t StoredBytes(const TiffPage& page, std::int64_t pixels) {
+  return (pixels * page.bits * (page.planes ? 1 : page.samples) + 7) / 8;
+}
+
 /// Code::Input for a page of a kind that is not read.
 pipeline::Status CheckKind(const TiffPage& page);
 

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstring>
 #include <string>
-#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -30,17 +29,15 @@ constexpr std::size_t kMaxSamples = 4;
 // Where every sample has a plane of its own, each is read through a handle of its own: a handle that goes to
 // and fro decodes a strip from its start each time.
 struct Plane {
-  TiffStream stream;
+  TiffStream stream{.words = "libtiff finds no page in it"};
   TiffHandle tiff;
   std::vector<std::uint8_t> tiles;  // of a tiled image: the rows of one row of tiles
 };
 
-struct TiffReader {
-  std::unique_ptr<InputFile> file;
-  ReadOptions options;
+// What is known of a page once it is taken.
+struct TakenPage {
   TiffPage page;
   Image image;
-  Plane planes[kMaxSamples];
   std::int32_t rowsRead = 0;
   std::uint32_t tileWidth = 0;  // 0: strips
   std::uint32_t tileHeight = 0;
@@ -52,51 +49,48 @@ struct TiffReader {
   Flatten how;
 };
 
-Status Damaged(const TiffStream& stream) {
-  if (stream.error == 0) {
-    return Fail(Code::Input, std::string("the TIFF is damaged: ") + stream.words + " (get an intact copy of it)");
-  }
-  return Fail(Code::Input, "reading failed: " + std::generic_category().message(stream.error) +
-                               " (check the disk or the connection)");
+struct TiffReader : TakenPage {
+  std::unique_ptr<InputFile> file;
+  ReadOptions options;
+  Plane planes[kMaxSamples];
+};
+
+std::string Counted(std::int64_t pages) {
+  return "the file has " + std::to_string(pages) + (pages == 1 ? " page" : " pages");
 }
 
-Status GoToPage(Plane& plane, std::int32_t wanted) {
-  const std::int64_t pages = TIFFNumberOfDirectories(plane.tiff.get());
-  const std::string has = "the file has " + std::to_string(pages) + (pages == 1 ? " page" : " pages");
-  if (wanted == 0 && pages > 1) return Fail(Code::Usage, has + " (choose one with --page)");
-  if (wanted > pages) return Fail(Code::Usage, has + " (choose another with --page)");
+// Counts the pages, all of which takes a while, and goes to the one that is wanted, 0: the first.
+Status GoToPage(Plane& plane, std::int32_t wanted, std::int64_t* pages) {
+  *pages = TIFFNumberOfDirectories(plane.tiff.get());
+  if (*pages == 0) return Damaged(plane.stream);
+  if (wanted > *pages) return Fail(Code::Usage, Counted(*pages) + " (choose another with --page)");
   if (wanted <= 1 || TIFFSetDirectory(plane.tiff.get(), static_cast<tdir_t>(wanted - 1)) == 1) return Ok();
   return Damaged(plane.stream);
 }
 
 // The stream of the plane knows where its bytes are.
-Status OpenPlane(const TiffReader& reader, Plane& plane) {
+Status OpenPlane(const TiffReader& reader, Plane& plane, std::int64_t* pages) {
   plane.tiff = OpenTiffStream(plane.stream, "rm", reader.options.maxBufferBytes + kMiB);
   if (!plane.tiff) return Damaged(plane.stream);
-  if (Status failed = GoToPage(plane, reader.options.page); Failed(failed)) return failed;
-  if (TagsOf(plane.tiff.get()).photometric == PHOTOMETRIC_YCBCR) {
-    TIFFSetField(plane.tiff.get(), TIFFTAG_JPEGCOLORMODE, JPEGCOLORMODE_RGB);
-  }
-  return Ok();
+  return GoToPage(plane, reader.options.page, pages);
+}
+
+// Colours of a JPEG come as red, green and blue.
+void ChooseColorMode(Plane& plane) {
+  if (TagsOf(plane.tiff.get()).photometric != PHOTOMETRIC_YCBCR) return;
+  TIFFSetField(plane.tiff.get(), TIFFTAG_JPEGCOLORMODE, JPEGCOLORMODE_RGB);
 }
 
 Status OpenOtherPlanes(TiffReader& reader) {
+  std::int64_t pages = 0;
   for (std::size_t k = 1; reader.page.planes && k < reader.wanted.size(); ++k) {
     const TiffStream& first = reader.planes[0].stream;
     reader.planes[k].stream.descriptor = first.descriptor;
     reader.planes[k].stream.start = first.start;
     reader.planes[k].stream.size = first.size;
-    if (Status failed = OpenPlane(reader, reader.planes[k]); Failed(failed)) return failed;
+    if (Status failed = OpenPlane(reader, reader.planes[k], &pages); Failed(failed)) return failed;
   }
   return Ok();
-}
-
-std::int64_t BitsOfStoredPixel(const TiffPage& page) {
-  return std::int64_t{page.bits} * (page.planes ? 1 : page.samples);
-}
-
-std::int64_t StoredBytes(const TiffPage& page, std::int64_t pixels) {
-  return (pixels * BitsOfStoredPixel(page) + 7) / 8;
 }
 
 Status TooLarge(const TiffReader& reader, const std::string& what) {
@@ -173,6 +167,8 @@ Status TakeColors(TiffReader& reader) {
 }
 
 Status TakePage(TiffReader& reader) {
+  static_cast<TakenPage&>(reader) = {};  // of the page before nothing is left
+  ChooseColorMode(reader.planes[0]);
   TIFF* tiff = reader.planes[0].tiff.get();
   reader.page = TagsOf(tiff);
   const TiffPage& page = reader.page;
@@ -189,7 +185,16 @@ Status TakePage(TiffReader& reader) {
   if (Status failed = PrepareStrips(reader); Failed(failed)) return failed;
   reader.stored.resize(static_cast<std::size_t>(StoredBytes(page, page.width)));
   reader.together.resize(static_cast<std::size_t>(page.width) * reader.wanted.size() * (page.bits / 8U));
-  return OpenOtherPlanes(reader);
+  return Ok();
+}
+
+// Reading of the chosen page, or of the first.
+Status StartReading(TiffReader& reader, std::unique_ptr<InputFile> file, const ReadOptions& options,
+                    std::int64_t* pages) {
+  reader.file = std::move(file);
+  reader.options = options;
+  if (Status failed = FindBytes(reader.planes[0].stream, &reader.file); Failed(failed)) return failed;
+  return OpenPlane(reader, reader.planes[0], pages);
 }
 
 bool ReadTiles(TiffReader& reader, Plane& plane, std::uint32_t y, std::uint16_t sample) {
@@ -264,15 +269,31 @@ Status ReadRow(TiffReader& reader, std::uint8_t* row) {
 
 Status HaveTiff() { return Ok(); }
 
-Status OpenTiff(std::unique_ptr<InputFile> file, const ReadOptions& options, pipeline::RowSource* source) {
+Status OpenTiff(std::unique_ptr<InputFile> file, const ReadOptions& options, pipeline::RowSource* source,
+                Stored* stored) {
   auto reader = std::make_shared<TiffReader>();
-  reader->file = std::move(file);
-  reader->options = options;
-  if (Status failed = FindBytes(reader->planes[0].stream, &reader->file); Failed(failed)) return failed;
-  if (Status failed = OpenPlane(*reader, reader->planes[0]); Failed(failed)) return failed;
+  std::int64_t pages = 0;
+  if (Status failed = StartReading(*reader, std::move(file), options, &pages); Failed(failed)) return failed;
+  if (options.page == 0 && pages > 1) return Fail(Code::Usage, Counted(pages) + " (choose one with --page)");
   if (Status failed = TakePage(*reader); Failed(failed)) return failed;
+  if (Status failed = OpenOtherPlanes(*reader); Failed(failed)) return failed;
+  *stored = {reader->page.bits, reader->page.alpha != 0};
   source->image = reader->image;
   source->read = [reader](std::uint8_t* row) { return ReadRow(*reader, row); };
+  return Ok();
+}
+
+Status DescribeTiff(std::unique_ptr<InputFile> file, const ReadOptions& options, std::vector<Description>* pages) {
+  TiffReader reader;
+  std::int64_t count = 0;
+  if (Status failed = StartReading(reader, std::move(file), options, &count); Failed(failed)) return failed;
+  const std::int64_t last = options.page == 0 ? count : 1;
+  for (std::int64_t i = 0; i < last; ++i) {
+    Plane& plane = reader.planes[0];
+    if (i > 0 && TIFFReadDirectory(plane.tiff.get()) != 1) return Damaged(plane.stream);
+    if (Status failed = TakePage(reader); Failed(failed)) return failed;
+    pages->push_back({"TIFF", reader.image, {reader.page.bits, reader.page.alpha != 0}});
+  }
   return Ok();
 }
 

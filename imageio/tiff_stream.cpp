@@ -110,6 +110,11 @@ TiffHandle OpenTiffStream(TiffStream& stream, const char* mode, std::int64_t max
                                       SizeOfHandle, nullptr, nullptr, options.get()));
 }
 
+Status Damaged(const TiffStream& stream) {
+  if (stream.error != 0) return ReadFailure(stream.error);
+  return Fail(Code::Input, std::string("the TIFF is damaged: ") + stream.words + " (get an intact copy of it)");
+}
+
 tmsize_t ReadStream(TiffStream& stream, void* to, tmsize_t bytes) {
   tmsize_t taken = 0;
   while (taken < bytes && stream.position < stream.size) {

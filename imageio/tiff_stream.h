@@ -36,6 +36,9 @@ pipeline::Status FindBytes(TiffStream& stream, std::unique_ptr<InputFile>* input
 /// those of TIFFOpen. No piece of memory that libtiff takes is larger than `maxBytes`, 0: any size.
 TiffHandle OpenTiffStream(TiffStream& stream, const char* mode, std::int64_t maxBytes);
 
+/// What to say when reading a TIFF failed.
+pipeline::Status Damaged(const TiffStream& stream);
+
 /// The next bytes of a stream; -1 when reading fails.
 tmsize_t ReadStream(TiffStream& stream, void* to, tmsize_t bytes);
 

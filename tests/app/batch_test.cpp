@@ -28,7 +28,7 @@ void WriteImages(const Workplace& place) {
 
 Contents Outputs(const Workplace& place, const std::string& folder) {
   Contents contents;
-  for (const auto& entry : std::filesystem::directory_iterator(place.files / folder)) {
+  for (const auto& entry : std::filesystem::directory_iterator(place.path / folder)) {
     const std::string name = entry.path().filename();
     contents[name] = place.Read(folder + "/" + name);
   }
@@ -133,7 +133,7 @@ TEST(Batch, KilledAtAnyMomentItCanGoOn) {
   for (int round = 0; round < 10; ++round) {
     place.Shell("\"$R2R\" convert *.pgm --size 400 --depth 1 --out-dir o --skip-existing -j 3 & sleep 0.0" +
                 std::to_string(round + 1) + "; kill -KILL $!; wait");
-    if (!std::filesystem::exists(place.files / "o")) continue;
+    if (!std::filesystem::exists(place.path / "o")) continue;
     for (const auto& [name, bytes] : Outputs(place, "o")) {
       ASSERT_TRUE(want.contains(name)) << name;
       ASSERT_TRUE(bytes == want.at(name)) << name;

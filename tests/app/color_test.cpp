@@ -17,14 +17,6 @@ constexpr const char* kCorners =
 // A flat gray, 16 x 16.
 std::string Flat(int gray) { return "P5\n16 16\n255\n" + std::string(256, static_cast<char>(gray)); }
 
-struct Case {
-  const char* what;
-  std::string input;
-  const char* options;
-  const char* output;
-  std::string file;
-};
-
 const Case kCases[] = {
     {"colours stay as they are", kColors, "", "o.ppm",
      "P6\n4 1\n255\n\0\0\0\xfa\x05\x05\x05\x05\xfa\xff\xff\xff"s},
@@ -37,32 +29,29 @@ const Case kCases[] = {
     {"a darker tone", "P2 3 1 255  0 64 255", "--gamma 0.5", "o.pgm", "P5\n3 1\n255\n\0\x10\xff"s},
     {"thresholds from a picture", "P2 4 1 255  150 150 150 150", "--depth 1 --halftone ordered --matrix m.pgm",
      "o.pbm", "P4\n4 1\n\x50"s},
-    {"matched as seen, written as told", "P3 2 1 255  60 98 72  255 255 255",
-     "--palette epaper-7 --halftone nearest", "o.ppm", "P6\n2 1\n255\n\0\xff\0\xff\xff\xff"s}};
+    {"matched as seen, written as told", "P3 2 1 255  60 98 72  255 255 255", "--palette epaper-7", "o.ppm",
+     "P6\n2 1\n255\n\0\xff\0\xff\xff\xff"s},
+    // Left black and white, right four colours: as many as two bits hold.
+    {"a palette that is fitted to what is cut out",
+     "P3 8 1 255  0 0 0  255 255 255  9 9 9  90 90 90  40 80 120  200 10 10  10 200 10  250 250 0",
+     "--crop 4x1+4+0 --depth 2", "o.ppm", "P6\n4 1\n255\n\x28\x50\x78\xc8\x0a\x0a\x0a\xc8\x0a\xfa\xfa\0"s}};
 
 TEST(Color, GivesTheExpectedFile) {
-  for (const Case& c : kCases) {
-    const Workplace place;
-    place.Write("in", c.input);
-    place.Write("m.pgm", "P2 2 1 255  100 200");
-    const Ended ended = place.Convert(std::string(c.options) + " in " + c.output);
-    EXPECT_EQ(ended.status, 0) << c.what << ": " << ended.err;
-    EXPECT_EQ(place.Read(c.output), c.file) << c.what;
-  }
+  const Workplace place;
+  place.Write("m.pgm", "P2 2 1 255  100 200");
+  for (const Case& c : kCases) ExpectFile(place, c);
 }
 
-TEST(Palette, IsTheSameFromEverySource) {
+// An image with a palette of its own keeps it, and takes the tone on its colours.
+TEST(Tone, ChangesTheColoursOfAnIndexedImage) {
   const Workplace place;
-  place.Write("in", kColors);
-  place.Write("p.hex", "ffffff\nff0000\n000000\n0000ff\n");
-  place.Write("p.gpl", "GIMP Palette\n255 255 255\n255 0 0\n0 0 0\n0 0 255\n");
-  place.Write("p.pal", "JASC-PAL\r\n0100\r\n4\r\n255 255 255\r\n255 0 0\r\n0 0 0\r\n0 0 255\r\n");
-  ASSERT_EQ(place.Convert("in p.png --palette white,#f00,black,#00f").status, 0);
-  for (const char* file : {"p.hex", "p.gpl", "p.pal", "p.png"}) {
-    const Ended ended = place.Convert("in o.png --force --palette " + std::string(file));
-    EXPECT_EQ(ended.status, 0) << file << ": " << ended.err;
-    EXPECT_EQ(place.Read("o.png"), place.Read("p.png")) << file;
-  }
+  place.Write("in", "P3 4 1 255  40 80 120  200 10 10  10 200 10  250 250 0");
+  ASSERT_EQ(place.Convert("--depth 2 in i.png").status, 0);
+  const std::string negative = "P6\n4 1\n255\n\xd7\xaf\x87\x37\xf5\xf5\xf5\x37\xf5\x05\x05\xff"s;
+  for (const char* words : {"--invert i.png", "--invert --depth 2 i.png", "--invert --depth 2 in"})
+    EXPECT_EQ(place.Convert(std::string(words) + " - --format ppm").out, negative) << words;
+  EXPECT_EQ(place.Convert("--gamma 2 i.png - --format ppm").out,
+            "P6\n4 1\n255\n\x65\x8f\xaf\xe2\x32\x32\x32\xe2\x32\xfc\xfc\0"s);
 }
 
 TEST(Palette, ThatIsFittedOrACubeLosesNoColourThatItHasRoomFor) {
@@ -76,14 +65,6 @@ TEST(Palette, ThatIsFittedOrACubeLosesNoColourThatItHasRoomFor) {
     EXPECT_EQ(ended.status, 0) << options << ": " << ended.err;
     EXPECT_EQ(place.Read("o.ppm"), place.Read("same.ppm")) << options;
   }
-}
-
-TEST(Palette, IsFittedToThePartThatIsCutOut) {
-  const Workplace place;
-  // Left black and white, right four colours: as many as two bits hold.
-  place.Write("in", "P3 8 1 255  0 0 0  255 255 255  9 9 9  90 90 90  40 80 120  200 10 10  10 200 10  250 250 0");
-  EXPECT_EQ(place.Convert("in - --format ppm --crop 4x1+4+0 --depth 2").out,
-            "P6\n4 1\n255\n\x28\x50\x78\xc8\x0a\x0a\x0a\xc8\x0a\xfa\xfa\0"s);
 }
 
 struct Tone {
@@ -114,14 +95,6 @@ TEST(Halftone, IsDiffusionWhereColoursAreMissing) {
       colors.insert(ended.out.substr(i, 3));
     EXPECT_EQ(colors.size(), c.colors) << c.options;
   }
-}
-
-TEST(Halftone, ACopyOfAnIndexedImageHasNone) {
-  const Workplace place;
-  place.Write("in", kColors);
-  ASSERT_EQ(place.Convert("in a.png --palette '#000,#fff,#f00,#00f'").status, 0);
-  ASSERT_EQ(place.Convert("a.png b.png --palette a.png").status, 0);
-  EXPECT_EQ(place.Read("a.png"), place.Read("b.png"));
 }
 
 }  // namespace

@@ -113,7 +113,9 @@ struct Page {
 };
 const Page kPages[] = {
     {"", {"Black and white by threshold matrix", "The 256 best colours"}, {"Your palette", "Ways to"}},
-    {"--palette '#000,#f00,#fff' --size 50% --gamma 1.4", {"Your palette", "Ways to shrink"}, {"e-paper", "grow"}},
+    {"--palette '#000,#f00,#fff' --size 50% --gamma 1.4",
+     {"Your palette", "Ways to shrink", "--gamma 1.4"},
+     {"e-paper", "grow"}},
     {"--reduce decimate --crop 30x20+9+9 --size 60x10", {"Ways to grow", "e-paper"}, {"shrink", "Your palette"}}};
 
 TEST(ContactSheet, TellsHowEachPictureIsMade) {
@@ -134,7 +136,7 @@ TEST(ContactSheet, TellsHowEachPictureIsMade) {
       const std::string made = *std::mismatch(after.begin(), after.end(), before.begin(), before.end()).first;
       EXPECT_TRUE(place.Read(made) == figure.png) << figure.command;
       EXPECT_NE(page.find(std::to_string(figure.png.size()) + " bytes"), page.npos) << figure.command;
-      std::filesystem::remove(place.files / made);
+      std::filesystem::remove(place.path / made);
     }
   }
 }

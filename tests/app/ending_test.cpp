@@ -46,8 +46,8 @@ TEST(Ending, AReaderThatLeavesIsAWriteError) {
   for (int i = 0; i < 100; ++i) rows += Noise().substr(15);
   place.Write("in", "P5\n100 10000\n255\n" + rows);
   const Ended ended = place.Shell(
-      "{ \"$R2R\" convert in - --format pgm; echo $? >../status; } | head -c 1 >/dev/null; read s <../status; "
-      "exit $s");
+      "{ \"$R2R\" convert in - --format pgm; echo $? >$ASIDE/status; } | head -c 1 >/dev/null; "
+      "exit $(cat $ASIDE/status)");
   EXPECT_EQ(ended.status, 5) << ended.err;
 }
 
@@ -60,10 +60,11 @@ TEST(Ending, AKilledConversionLeavesNothing) {
     // In the foreground, for a shell makes its background jobs deaf to SIGINT.
     const Ended ended = place.Shell(
         "mkfifo pipe; exec 3<>pipe; cat in >&3\n"
-        "{ until ls -l /proc/$(cat ../job)/fd 2>&1 | grep -q 'deleted\\|part'; do sleep 0.01; done; kill -" +
+        "{ until ls -l /proc/$(cat $ASIDE/job)/fd 2>&1 | grep -q 'deleted\\|part'; do sleep 0.01; done; kill -" +
         std::string(signal) +
-        " $(cat ../job); } &\n"
-        "R2R=$R2R sh -c 'echo $$ >../job; exec \"$R2R\" convert - o.pgm <pipe'; status=$?; wait; (exit $status)");
+        " $(cat $ASIDE/job); } &\n"
+        "export R2R ASIDE; sh -c 'echo $$ >$ASIDE/job; exec \"$R2R\" convert - o.pgm <pipe'; status=$?; wait; "
+        "(exit $status)");
     const bool killed = signal == std::string("KILL");
     EXPECT_EQ(ended.status, killed ? 137 : 130) << signal << ": " << ended.err;
     if (killed && place.Names().front().ends_with(".part")) GTEST_SKIP() << "no nameless files here";

@@ -24,22 +24,7 @@ const std::string kTail =
     "\0\0\0\0IEND\xae\x42\x60\x82"s;
 const std::string kRedTransparent = "\0\0\0\x02tRNS\xff\0\xe5\xb7\x30\x4a"s;
 
-struct Case {
-  const char* what;
-  const char* input;
-  const char* options;
-  const char* output;
-  std::string file;
-};
-
-constexpr const char* kFour = "--palette '#000,#fff,#f00,#00f' --overlay logo.png";
-
-std::string Four(const char* more) { return std::string(kFour) + more; }
-
-const std::string kFourOpaque = Four("");
-const std::string kFourWhite = Four(" --transparent '#fff'");
-const std::string kFourIndex = Four(" --transparent 0");
-const std::string kFourRed = Four(" --transparent 1");
+const std::string kFour = "--palette '#000,#fff,#f00,#00f' --overlay logo.png";
 
 const Case kCases[] = {
     {"bits, across a byte", kBits, "--overlay dots+6+0", "o.pbm", "P4\n9 2\n\x02\x80\xfe\x80"s},
@@ -47,10 +32,10 @@ const Case kCases[] = {
     {"black lets through", kBits, "--overlay dots+6+0 --transparent 0", "o.pbm", "P4\n9 2\n\0\0\xfe\x80"s},
     {"bits written as planes", kBits, "--overlay dots+6+0 --layout planes", "o.pbm", "P4\n9 2\n\x02\x80\xfe\x80"s},
     {"at the top left by default", kBits, "--overlay dots", "o.pbm", "P4\n9 2\n\xa0\0\xbf\x80"s},
-    {"four colours, opaque", kColors, kFourOpaque.c_str(), "o.raw", "\x65"s},
-    {"both whites let through", kColors, kFourWhite.c_str(), "o.raw", "\x2d"s},
-    {"one index lets through", kColors, kFourIndex.c_str(), "o.raw", "\x25"s},
-    {"red lets through", kColors, kFourRed.c_str(), "o.raw", "\x65"s},
+    {"four colours, opaque", kColors, kFour, "o.raw", "\x65"s},
+    {"both whites let through", kColors, kFour + " --transparent '#fff'", "o.raw", "\x2d"s},
+    {"one index lets through", kColors, kFour + " --transparent 0", "o.raw", "\x25"s},
+    {"red lets through", kColors, kFour + " --transparent 1", "o.raw", "\x65"s},
     {"direct colour, opaque", kColors, "--overlay logo.png+1+0", "o.ppm",
      "P6\n4 1\n255\n\0\0\0\xff\xff\xff\xff\0\0\xff\xff\xff"s},
     {"direct colour, white lets through", kColors, "--overlay logo.png --transparent white", "o.ppm",
@@ -70,46 +55,24 @@ const Case kCases[] = {
      "P6\n4 1\n255\n\xff\xff\xff\xff\xff\xff\xff\xff\xff\xff\xff\xff"s},
     {"a file named like a place", kGrays, "--overlay dot+1+0", "o.pgm", "P5\n4 1\n255\n\0\0\x80\xff"s},
     {"a file named like a place, placed", kGrays, "--overlay two+1+0+2+0", "o.pgm",
-     "P5\n4 1\n255\n\0\x64\x11\x22"s}};
+     "P5\n4 1\n255\n\0\x64\x11\x22"s},
+    {"named in full rather than by a part", kGrays, "--overlay two+1+0", "o.raw", "\x11\x22\x80\xff"},
+    {"from standard input", kGrays, "--overlay -+2+0 <dot", "o.raw", "\0\x64\0\xff"s},
+    // It hides the blue and brings a red: two bits hold the four colours that are seen then.
+    {"a palette that is fitted counts it", "P3 5 1 255  9 9 9  0 200 0  10 20 250  255 255 255  9 9 9",
+     "--overlay logo.png+2+0 --depth 2", "o.ppm",
+     "P6\n5 1\n255\n\x09\x09\x09\0\xc8\0\xff\xff\xff\xff\0\0\xff\xff\xff"s}};
 
 TEST(Overlay, GivesTheExpectedFile) {
-  for (const Case& c : kCases) {
-    const Workplace place;
-    place.Write("in", c.input);
-    place.Write("dots", kDots);
-    place.Write("four", "P2 1 1 7  4");
-    place.Write("two+1+0", "P2 2 1 255  17 34");
-    place.Write("dot", "P2 1 1 255  0");
-    place.Write("logo.png", kHead + kTail);
-    place.Write("clear.png", kHead + kRedTransparent + kTail);
-    const Ended ended = place.Convert(std::string(c.options) + " in " + c.output);
-    EXPECT_EQ(ended.status, 0) << c.what << ": " << ended.err;
-    EXPECT_EQ(place.Read(c.output), c.file) << c.what;
-  }
-}
-
-TEST(Overlay, NamedInFullIsPreferredToOneWithAPlace) {
   const Workplace place;
-  place.Write("in", kGrays);
+  place.Write("dots", kDots);
+  place.Write("four", "P2 1 1 7  4");
+  place.Write("two", "P2 1 1 255  0");
+  place.Write("two+1+0", "P2 2 1 255  17 34");
   place.Write("dot", "P2 1 1 255  0");
-  place.Write("dot+1+0", "P2 1 1 255  7");
-  EXPECT_EQ(place.Convert("--overlay dot+1+0 in - --format raw").out, "\x07\x64\x80\xff"s);
-}
-
-TEST(Overlay, ComesFromStandardInputToo) {
-  const Workplace place;
-  place.Write("in", kGrays);
-  place.Write("dot", "P2 1 1 255  0");
-  EXPECT_EQ(place.Convert("--overlay -+2+0 in - --format raw <dot").out, "\0\x64\0\xff"s);
-}
-
-TEST(Overlay, CountsWhenThePaletteIsFitted) {
-  const Workplace place;
-  // The overlay hides the blue and brings a red: two bits hold the four colours that are seen then.
-  place.Write("in", "P3 5 1 255  9 9 9  0 200 0  10 20 250  255 255 255  9 9 9");
   place.Write("logo.png", kHead + kTail);
-  EXPECT_EQ(place.Convert("--overlay logo.png+2+0 --depth 2 in - --format ppm").out,
-            "P6\n5 1\n255\n\x09\x09\x09\0\xc8\0\xff\xff\xff\xff\0\0\xff\xff\xff"s);
+  place.Write("clear.png", kHead + kRedTransparent + kTail);
+  for (const Case& c : kCases) ExpectFile(place, c);
 }
 
 }  // namespace

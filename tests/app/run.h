@@ -1,9 +1,9 @@
 // Runs the real command in a directory of its own.
 #pragma once
 
-#include <filesystem>
 #include <string>
-#include <vector>
+
+#include "../imageio/folder.h"
 
 namespace cvt::app::test {
 
@@ -12,22 +12,23 @@ struct Ended {
   std::string out, err;
 };
 
-struct Workplace {
-  Workplace();
-  Workplace(const Workplace&) = delete;
-  Workplace& operator=(const Workplace&) = delete;
-  ~Workplace();
-
-  /// A shell line in the directory, where $R2R is the command.
+/// Commands run in the folder; what has no place there lies aside.
+struct Workplace : imageio::test::Folder {
+  /// A shell line in the directory, where $R2R is the command and $ASIDE the other directory.
   Ended Shell(const std::string& line) const;
   /// `r2r convert` with these words, quoted for the shell where they need it.
   Ended Convert(const std::string& words) const { return Shell("\"$R2R\" convert " + words); }
 
-  void Write(const std::string& name, const std::string& bytes) const;
-  std::string Read(const std::string& name) const;  // empty if there is none
-  std::vector<std::string> Names() const;           // sorted
-
-  std::filesystem::path files, streams;
+  Folder aside;
 };
+
+/// A conversion of a file, and every byte of what it makes.
+struct Case {
+  const char* what;
+  std::string input, options, output, file;
+};
+
+/// Converts the input of the case, and finds that nothing else comes of it.
+void ExpectFile(const Workplace& place, const Case& c);
 
 }  // namespace cvt::app::test

@@ -1,6 +1,7 @@
 // Files that are damaged, cut short, too large or not images at all.
 #include <gtest/gtest.h>
-#include <zlib.h>
+
+#include <tuple>
 
 #include "imageio/matrix_file.h"
 #include "imageio/palette_file.h"
@@ -14,7 +15,7 @@ using pipeline::Code;
 const std::string kPalette = Chunk("PLTE", Bytes("010203 040506 070809"));
 
 struct Whole {
-  const char* what;
+  std::string what;
   std::string file;
 };
 const Whole kWhole[] = {
@@ -35,141 +36,108 @@ TEST(Hostile, FilesCutShortAreErrorsWhereverTheyEnd) {
   for (const Whole& whole : kWhole) {
     ASSERT_EQ(Load(folder.Write("a", whole.file)).status.message, "") << whole.what;
     for (std::size_t size = 0; size < whole.file.size(); ++size) {
-      const Loaded loaded = Load(folder.Write("a", whole.file.substr(0, size)));
-      EXPECT_EQ(loaded.status.code, Code::Input) << whole.what << ", " << size << " bytes";
-      EXPECT_EQ(loaded.status.message.find('\n'), std::string::npos) << whole.what << ", " << size << " bytes";
+      SCOPED_TRACE(whole.what + std::to_string(size));
+      ExpectRefusal(Load(folder.Write("a", whole.file.substr(0, size))).status, Code::Input, "");
     }
   }
 }
 
-TEST(Hostile, AnyChangedByteOfAPngIsFound) {
-  const Folder folder;
-  for (int i = 0; i < 3; ++i) {
-    for (std::size_t at = 0; at < kWhole[i].file.size(); ++at) {
-      std::string file = kWhole[i].file;
-      file[at] = static_cast<char>(file[at] ^ 0x41);
-      const Code code = Load(folder.Write("a", file)).status.code;
-      EXPECT_TRUE(code == Code::Input || code == Code::Limit) << kWhole[i].what << ", byte " << at;
-    }
-  }
-}
-
-// A changed byte of other files may well be another image; whatever it is, it comes to an end in good order.
-TEST(Hostile, AChangedByteOfAPnmIsAnImageOrOneClearLine) {
+// Check sums find every changed byte of a PNG. Other files may well be another image then; whatever they are, they
+// come to an end in good order.
+TEST(Hostile, AChangedByteIsOneClearLineOrAnImageThatIsNoPng) {
   const Folder folder;
   for (const Whole& whole : kWhole) {
-    if (whole.file.front() != 'P') continue;
     for (std::size_t at = 0; at < whole.file.size(); ++at) {
-      for (const int change : {0x01, 0x08, 0x10, 0x80}) {
-        std::string file = whole.file;
-        file[at] = static_cast<char>(file[at] ^ change);
-        const pipeline::Status status = Load(folder.Write("a", file)).status;
-        EXPECT_TRUE(status.code == Code::Ok || status.code == Code::Input || status.code == Code::Limit)
-            << whole.what;
-        EXPECT_EQ(status.message.find('\n'), std::string::npos) << whole.what << ", byte " << at;
+      SCOPED_TRACE(whole.what + std::to_string(at));
+      for (const int bits : {0x01, 0x08, 0x10, 0x41, 0x80}) {
+        const pipeline::Status status = Load(folder.Write("a", Changed(whole.file, at, bits))).status;
+        ExpectSuccessOrOneClearLine(status);
+        EXPECT_TRUE(whole.file.front() == 'P' || Failed(status));
       }
     }
   }
 }
 
-TEST(Hostile, APnmCutShortTellsTheRow) {
-  const Folder folder;
-  for (const char* file : {"P5 2 3 255\nabc", "P2 2 3 255 1 2 3", "P1 2 3 10 1", "P6 1 3 255\nabcd",
-                           "P7\nWIDTH 2\nHEIGHT 3\nDEPTH 1\nMAXVAL 255\nENDHDR\nabc"}) {
-    const std::string message = Load(folder.Write("a", file)).status.message;
-    EXPECT_NE(message.find("row 1 of 3"), std::string::npos) << file << ": " << message;
-  }
-}
-
 struct BadFile {
   const char* what;
-  std::string file;
-  Code code;
   const char* says;
+  std::string file;
+  Code code = Code::Input;
 };
 
 const BadFile kBadFiles[] = {
-    {"empty", "", Code::Input, "empty"},
-    {"text", "Hello", Code::Input, "known format"},
-    {"one byte", "P", Code::Input, "known format"},
-    {"P8", "P8 1 1 255\n", Code::Input, "known format"},
-    {"thumbnail that starts like a PAM", "P7 332\n1 1 255\nA", Code::Input, "P7 alone"},
-    {"PNG signature with line ends changed", Bytes("89504e470a1a0a00"), Code::Input, "damaged"},
-    {"PNG without pixels", Png({1, 0, 8, 0, "", "0"}), Code::Input, ""},
-    {"PNG as wide as libpng takes with 32 bits", Png({0x1fffff80, 1, 8, 0, "", "0"}), Code::Limit, "1000000"},
-    {"PNG of too many pixels", Png({1000000, 0x7fffffff, 1, 0, "", "0"}), Code::Limit, "--max-pixels"},
-    {"interlaced PNG of too many bytes", Png({100000, 10000, 8, 0, "", "0", 1}), Code::Limit,
-     "limit is 256 MiB (raise it with --max-memory"},
-    {"PNG of a negative width", Png({-1, 1, 8, 0, "", "0"}), Code::Input, "damaged"},
-    {"PNG of 3 bits", Png({1, 1, 3, 0, "", "0"}), Code::Input, "damaged"},
-    {"PNG with a chunk as long as can be", Png({1, 1, 8, 0, Bytes("7fffffff") + "zTXt", "0"}), Code::Input,
-     "early"},
-    {"PNG with a chunk longer than can be", Png({1, 1, 8, 0, Bytes("ffffffff") + "zTXt", "0"}), Code::Input,
-     "damaged"},
-    {"PNG with an unknown chunk that matters", Png({1, 1, 8, 0, Chunk("ABCD", "?"), "0"}), Code::Input, "damaged"},
-    {"PNG with a wrong sum of a chunk that does not", Png({1, 1, 8, 0, Bytes("00000000") + "tEXt0000", "0"}),
-     Code::Input, "CRC"},
-    {"PNG with a palette of four bytes", Png({1, 1, 8, 3, Chunk("PLTE", "1234"), "0"}), Code::Input, "damaged"},
-    {"PNG with a palette of 257 colours", Png({1, 1, 8, 3, Chunk("PLTE", std::string(771, '0')), "0"}),
-     Code::Input, "damaged"},
-    {"PNG of pixels that are no pixels", Png({1, 1, 8, 0, Chunk("IDAT", "????"), "0"}), Code::Input, "damaged"},
-    {"indexed PNG without palette", Png({1, 1, 8, 3, "", Bytes("0000")}), Code::Input, "PLTE"},
-    {"PNG with too little data", Png({1, 2, 8, 0, "", Bytes("0000")}), Code::Input, "damaged"},
-    {"PNG colour beyond the palette", Png({3, 2, 2, 3, kPalette, Bytes("0018 0034")}), Code::Input,
-     "row 1 uses colour 3, the palette has 3"},
-    {"no width", "P5 x 1 255\n", Code::Input, "width"},
-    {"negative height", "P5 1 -1 255\n", Code::Input, "height"},
-    {"no pixels", "P5 0 1 255\n", Code::Input, "no pixels"},
-    {"largest value 0", "P5 1 1 0\nA", Code::Input, "largest value"},
-    {"largest value 65536", "P5 1 1 65536\nAA", Code::Input, "largest value"},
-    {"width of 40 digits", "P5 1" + std::string(39, '0') + " 1 255\n", Code::Limit, "1000000"},
-    {"height of 40 digits", "P4 1 1" + std::string(39, '0') + "\n", Code::Limit, "2147483647"},
-    {"too many pixels", "P4 2 2147483647\n", Code::Limit, "--max-pixels"},
-    {"sample above the largest value", "P5 2 1 9\n" + Bytes("090a"), Code::Input, "above the largest value"},
-    {"plain sample above the largest value", "P2 2 1 9 9 10", Code::Input, "above the largest value"},
-    {"plain sample that would wrap", "P2 1 1 9 65536", Code::Input, "above the largest value"},
-    {"word for a sample", "P2 1 1 9 nine", Code::Input, "no number"},
-    {"digit that is no bit", "P1 2 1 12", Code::Input, "other than 0 and 1"},
-    {"PAM without a depth", "P7\nWIDTH 1\nHEIGHT 1\nMAXVAL 1\nENDHDR\n1", Code::Input, "no valid DEPTH"},
-    {"PAM of two widths", "P7\nWIDTH 1\nWIDTH 1\nENDHDR\n1", Code::Input, "WIDTH twice"},
-    {"PAM of a negative height", "P7\nHEIGHT -1\n", Code::Input, "no valid HEIGHT"},
-    {"PAM of a width in words", "P7\nWIDTH one\n", Code::Input, "no valid WIDTH"},
-    {"PAM of a width and more", "P7\nWIDTH 1 1\n", Code::Input, "no valid WIDTH"},
-    {"PAM of a width of 40 digits",
-     "P7\nHEIGHT 1\nDEPTH 1\nMAXVAL 1\nWIDTH 1" + std::string(39, '0') + "\nENDHDR\n", Code::Limit, "1000000"},
-    {"PAM without pixels", Pam(0, 1, 255, "GRAYSCALE", ""), Code::Input, "no pixels"},
-    {"PAM of largest value 0", Pam(1, 1, 0, "GRAYSCALE", "00"), Code::Input, "largest value"},
-    {"PAM of largest value 65536", Pam(1, 1, 65536, "GRAYSCALE", "0000"), Code::Input, "largest value"},
-    {"PAM of no samples", Pam(1, 0, 255, "GRAY", ""), Code::Input, "0 samples a pixel"},
-    {"PAM of five samples", Pam(1, 5, 255, "CMYK_ALPHA", "0102030405"), Code::Input, "5 samples a pixel"},
-    {"PAM that contradicts itself", Pam(1, 4, 255, "RGB", "01020304"), Code::Input, "RGB has 3"},
-    {"PAM sample above the largest value", Pam(2, 2, 9, "GRAYSCALE_ALPHA", "0909 090a"), Code::Input,
-     "above the largest value"},
-    {"PAM with a line of something else", "P7\nCOLORS 3\n", Code::Input, "none of a PAM"},
-    {"PAM with an endless line", "P7\n#" + std::string(5000, '#'), Code::Input, "line ends"}};
+    {"empty", "empty", ""},
+    {"text", "known format", "Hello"},
+    {"one byte", "known format", "P"},
+    {"P8", "known format", "P8 1 1 255\n"},
+    {"thumbnail that starts like a PAM", "P7 alone", "P7 332\n1 1 255\nA"},
+    {"PNG signature with line ends changed", "damaged", Bytes("89504e470a1a0a00")},
+    {"PNG without pixels", "", Png({1, 0, 8, 0, "", "0"})},
+    {"PNG as wide as libpng takes with 32 bits", "1000000", Png({0x1fffff80, 1, 8, 0, "", "0"}), Code::Limit},
+    {"PNG of too many pixels", "--max-pixels", Png({1000000, 0x7fffffff, 1, 0, "", "0"}), Code::Limit},
+    {"interlaced PNG of too many bytes", "limit is 256 MiB (raise it with --max-memory",
+     Png({100000, 10000, 8, 0, "", "0", 1}), Code::Limit},
+    {"PNG of a negative width", "damaged", Png({-1, 1, 8, 0, "", "0"})},
+    {"PNG of 3 bits", "damaged", Png({1, 1, 3, 0, "", "0"})},
+    {"PNG with a chunk as long as can be", "early", Png({1, 1, 8, 0, Bytes("7fffffff") + "zTXt", "0"})},
+    {"PNG with a chunk longer than can be", "damaged", Png({1, 1, 8, 0, Bytes("ffffffff") + "zTXt", "0"})},
+    {"PNG with an unknown chunk that matters", "damaged", Png({1, 1, 8, 0, Chunk("ABCD", "?"), "0"})},
+    {"PNG with a wrong sum of a chunk that does not", "CRC",
+     Png({1, 1, 8, 0, Bytes("00000000") + "tEXt0000", "0"})},
+    {"PNG with a palette of four bytes", "damaged", Png({1, 1, 8, 3, Chunk("PLTE", "1234"), "0"})},
+    {"PNG with a palette of 257 colours", "damaged", Png({1, 1, 8, 3, Chunk("PLTE", std::string(771, '0')), "0"})},
+    {"PNG of pixels that are no pixels", "damaged", Png({1, 1, 8, 0, Chunk("IDAT", "????"), "0"})},
+    {"indexed PNG without palette", "PLTE", Png({1, 1, 8, 3, "", Bytes("0000")})},
+    {"PNG with too little data", "damaged", Png({1, 2, 8, 0, "", Bytes("0000")})},
+    {"PNG colour beyond the palette", "row 1 uses colour 3, the palette has 3",
+     Png({3, 2, 2, 3, kPalette, Bytes("0018 0034")})},
+    {"no width", "width", "P5 x 1 255\n"},
+    {"negative height", "height", "P5 1 -1 255\n"},
+    {"no pixels", "no pixels", "P5 0 1 255\n"},
+    {"largest value 0", "largest value", "P5 1 1 0\nA"},
+    {"largest value 65536", "largest value", "P5 1 1 65536\nAA"},
+    {"width of 40 digits", "1000000", "P5 1" + std::string(39, '0') + " 1 255\n", Code::Limit},
+    {"height of 40 digits", "2147483647", "P4 1 1" + std::string(39, '0') + "\n", Code::Limit},
+    {"too many pixels", "--max-pixels", "P4 2 2147483647\n", Code::Limit},
+    {"sample above the largest value", "above the largest value", "P5 2 1 9\n" + Bytes("090a")},
+    {"plain sample above the largest value", "above the largest value", "P2 2 1 9 9 10"},
+    {"plain sample that would wrap", "above the largest value", "P2 1 1 9 65536"},
+    {"word for a sample", "no number", "P2 1 1 9 nine"},
+    {"bytes cut short", "row 1 of 3", "P5 2 3 255\nabc"},
+    {"numbers cut short", "row 1 of 3", "P2 2 3 255 1 2 3"},
+    {"digits cut short", "row 1 of 3", "P1 2 3 10 1"},
+    {"colours cut short", "row 1 of 3", "P6 1 3 255\nabcd"},
+    {"digit that is no bit", "other than 0 and 1", "P1 2 1 12"},
+    {"PAM without a depth", "no valid DEPTH", "P7\nWIDTH 1\nHEIGHT 1\nMAXVAL 1\nENDHDR\n1"},
+    {"PAM of two widths", "WIDTH twice", "P7\nWIDTH 1\nWIDTH 1\nENDHDR\n1"},
+    {"PAM of a negative height", "no valid HEIGHT", "P7\nHEIGHT -1\n"},
+    {"PAM of a width in words", "no valid WIDTH", "P7\nWIDTH one\n"},
+    {"PAM of a width and more", "no valid WIDTH", "P7\nWIDTH 1 1\n"},
+    {"PAM of a width of 40 digits", "1000000",
+     "P7\nHEIGHT 1\nDEPTH 1\nMAXVAL 1\nWIDTH 1" + std::string(39, '0') + "\nENDHDR\n", Code::Limit},
+    {"PAM of largest value 65536", "largest value", Pam(1, 1, 65536, "GRAYSCALE", "0000")},
+    {"PAM of no samples", "0 samples a pixel", Pam(1, 0, 255, "GRAY", "")},
+    {"PAM of five samples", "5 samples a pixel", Pam(1, 5, 255, "CMYK_ALPHA", "0102030405")},
+    {"PAM that contradicts itself", "RGB has 3", Pam(1, 4, 255, "RGB", "01020304")},
+    {"PAM sample above the largest value", "above the largest value",
+     Pam(2, 2, 9, "GRAYSCALE_ALPHA", "0909 090a")},
+    {"PAM with a line of something else", "none of a PAM", "P7\nCOLORS 3\n"},
+    {"PAM with an endless line", "line ends", "P7\n#" + std::string(5000, '#')}};
 
 TEST(Hostile, BadFilesGiveOneClearLine) {
   const Folder folder;
   for (const BadFile& bad : kBadFiles) {
-    const pipeline::Status status = Load(folder.Write("a", bad.file)).status;
-    EXPECT_EQ(status.code, bad.code) << bad.what << ": " << status.message;
-    EXPECT_NE(status.message.find(bad.says), std::string::npos) << bad.what << ": " << status.message;
-    EXPECT_TRUE(status.message.ends_with(')')) << bad.what << ": " << status.message;
+    SCOPED_TRACE(bad.what);
+    ExpectRefusal(Load(folder.Write("a", bad.file)).status, bad.code, bad.says);
   }
 }
 
 // Chunks that are packed may unfold to gigabytes; what says nothing about pixels is never unfolded.
 TEST(Hostile, APngMayCarryWhatNobodyUnfolds) {
   const Folder folder;
-  const std::string zeros(64 << 20, '\0');
-  std::string bomb(compressBound(zeros.size()), '\0');
-  uLongf size = bomb.size();
-  ASSERT_EQ(compress(reinterpret_cast<Bytef*>(bomb.data()), &size, reinterpret_cast<const Bytef*>(zeros.data()),
-                     zeros.size()),
-            Z_OK);
-  bomb.resize(size);
-  for (const char* type : {"zTXt", "iCCP", "iTXt"}) {
-    const std::string name = type == std::string("iTXt") ? Bytes("6e00 01000000") : Bytes("6e00 00");
+  const std::string bomb = Deflated(std::string(64 << 20, '\0'));
+  for (const std::string type : {"zTXt", "iCCP", "iTXt"}) {
+    const std::string name = type == "iTXt" ? Bytes("6e00 01000000") : Bytes("6e00 00");
     const std::string file = Png({1, 1, 8, 0, Chunk(type, name + bomb), Bytes("0041")});
     const Loaded loaded = Load(folder.Write("a", file));
     EXPECT_EQ(loaded.status.message, "") << type;
@@ -197,43 +165,45 @@ TEST(Hostile, PalettesAndMatricesSurviveCutsAndChanges) {
     pipeline::Thresholds matrix;
     const std::string path = folder.Write(name, file);
     const pipeline::Status status = IsMatrixFile(path) ? ReadMatrix(path, &matrix) : ReadPalette(path, &palette);
-    EXPECT_TRUE(status.code == Code::Ok || status.code == Code::Input || status.code == Code::Limit) << name;
-    EXPECT_EQ(status.message.find('\n'), std::string::npos) << name << ": " << status.message;
-    EXPECT_LE(palette.size(), 256U) << name;
+    ExpectSuccessOrOneClearLine(status);
+    EXPECT_LE(palette.size(), 256U);
   };
   for (const Tool& tool : kTools) {
+    SCOPED_TRACE(tool.name);
     for (std::size_t at = 0; at < tool.file.size(); ++at) {
       check(tool.name, tool.file.substr(0, at));
-      for (const int change : {0x01, 0x10, 0x80, 0xff}) {
-        std::string file = tool.file;
-        file[at] = static_cast<char>(file[at] ^ change);
-        check(tool.name, file);
-      }
+      for (const int bits : {0x01, 0x10, 0x80, 0xff}) check(tool.name, Changed(tool.file, at, bits));
     }
     check(tool.name, tool.file + std::string(2 << 20, '\n'));
     check(tool.name, tool.file + std::string(5, '\0'));
   }
 }
 
+TEST(Hostile, FormatsLeftOutOfTheBuildAreNamed) {
+  const Folder folder;
+  for (const auto& [built, format, head] : {std::tuple(CVTR2R_BUILT_WITH_TIFF, "TIFF", Bytes("49492a00")),
+                                            std::tuple(CVTR2R_BUILT_WITH_JPEG, "JPEG", Bytes("ffd8ffe0"))}) {
+    const pipeline::Status status = Load(folder.Write("a", head)).status;
+    EXPECT_EQ(status.code, built ? Code::Input : Code::Usage) << status.message;
+    EXPECT_EQ(status.message.find(std::string("built without ") + format) == std::string::npos, built);
+  }
+  Format format = Format::FromSuffix;
+  EXPECT_EQ(Failed(ChooseFormat("a.tif", Format::FromSuffix, &format)), !CVTR2R_BUILT_WITH_TIFF);
+  EXPECT_EQ(Failed(ChooseFormat("-", Format::Tiff, &format)), !CVTR2R_BUILT_WITH_TIFF);
+}
+
 TEST(Hostile, LimitsAreInclusive) {
   const Folder folder;
   const std::string path = folder.Write("a", Png({2, 2, 8, 0, "", Bytes("000a 000b 000c0d"), 1}));
-  ReadOptions options;
-  options.maxPixels = options.maxBufferBytes = 4;
-  EXPECT_EQ(Load(path, options).status.code, Code::Ok);
-  options.maxBufferBytes = 3;
-  EXPECT_EQ(Load(path, options).status.code, Code::Limit);
-  options.maxBufferBytes = 4;
-  options.maxPixels = 3;
-  EXPECT_EQ(Load(path, options).status.code, Code::Limit);
-}
-
-TEST(Hostile, MissingFilesAndDirectoriesAreInputErrors) {
-  const Folder folder;
-  EXPECT_EQ(Load(folder.Path("none")).status.code, Code::Input);
-  const pipeline::Status status = Load(folder.path.string()).status;
-  EXPECT_EQ(status.code, Code::Input);
-  EXPECT_NE(status.message.find("directory"), std::string::npos);
+  const auto read = [&path](std::int64_t pixels, std::int64_t bytes) {
+    ReadOptions options;
+    options.maxPixels = pixels;
+    options.maxBufferBytes = bytes;
+    return Load(path, options).status.code;
+  };
+  EXPECT_EQ(read(4, 4), Code::Ok);
+  EXPECT_EQ(read(3, 4), Code::Limit);
+  EXPECT_EQ(read(4, 3), Code::Limit);
 }
 
 }  // namespace

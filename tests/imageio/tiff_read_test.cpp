@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cmath>
 
 #include "support.h"
@@ -47,7 +48,7 @@ const Kind kKinds[] = {{"1-bit gray", Of(1, 1, PHOTOMETRIC_MINISBLACK), 1},
                        {"8-bit gray with alpha", Of(8, 2, PHOTOMETRIC_MINISBLACK, {kUnassociated}), 8}};
 
 // A sample of a pixel as it shall be delivered, over white: by the formulas, in floating point.
-std::uint32_t Delivered(const TiffParts& parts, const std::uint16_t* pixel, int s) {
+std::uint16_t Delivered(const TiffParts& parts, const std::uint16_t* pixel, int s) {
   const double most = std::pow(2, parts.bits) - 1;
   double value = pixel[s];
   if (parts.photometric == PHOTOMETRIC_MINISWHITE) value = most - value;
@@ -56,28 +57,25 @@ std::uint32_t Delivered(const TiffParts& parts, const std::uint16_t* pixel, int 
     const double alpha = pixel[parts.samples - 1] / most;
     value = value * alpha + 255 * (1 - alpha);
   }
-  return static_cast<std::uint32_t>(std::lround(value));
+  return static_cast<std::uint16_t>(std::lround(value));
 }
 
 std::vector<std::string> DeliveredRows(const TiffParts& parts, int depth, const Samples& samples) {
-  const int bits = depth == 24 ? 8 : depth;
   std::vector<std::string> rows;
   for (const std::uint16_t* pixel = samples.data(); rows.size() < parts.height;) {
-    std::string row;
-    std::uint32_t held = 1;  // the leading one tells how many bits there are
+    Samples row;
     for (std::uint32_t x = 0; x < parts.width; ++x, pixel += parts.samples) {
-      for (int s = 0; s < (depth == 24 ? 3 : 1); ++s) {
-        held = held << bits | Delivered(parts, pixel, s);
-        if (held < 256) continue;
-        row += static_cast<char>(held);
-        held = 1;
-      }
+      for (int s = 0; s < (depth == 24 ? 3 : 1); ++s) row.push_back(Delivered(parts, pixel, s));
     }
-    while (held != 1 && held < 256) held <<= 1;
-    if (held != 1) row += static_cast<char>(held);
-    rows.push_back(Hex(row));
+    rows.push_back(Hex(PackedBits(row, std::min(depth, 8))));
   }
   return rows;
+}
+
+TiffParts Packed(TiffParts parts, std::uint32_t stripRows, int compression) {
+  parts.stripRows = stripRows;
+  parts.compression = compression;
+  return parts;
 }
 
 std::vector<int> Compressions(const TiffParts& parts) {
@@ -88,42 +86,38 @@ std::vector<int> Compressions(const TiffParts& parts) {
   return all;
 }
 
+std::vector<IRGB> DeliveredPalette(const Kind& kind) {
+  std::vector<IRGB> palette = kind.depth == 24 ? std::vector<IRGB>{} : pipeline::GrayRamp(kind.depth);
+  for (std::size_t i = 0; kind.parts.photometric == PHOTOMETRIC_PALETTE && i < palette.size(); ++i) {
+    const auto level = [](std::size_t v) { return static_cast<std::uint8_t>(v); };
+    palette[i] = {level(7 * i), level(255 - i), level(i)};
+  }
+  return palette;
+}
+
 TEST(ReadTiff, GivesTheSamePixelsHoweverTheyAreStored) {
   const Folder folder;
   for (const Kind& kind : kKinds) {
     const Samples samples = Scrambled(kind.parts);
     const std::vector<std::string> rows = DeliveredRows(kind.parts, kind.depth, samples);
+    const std::string palette = Hex(DeliveredPalette(kind));
     for (const int compression : Compressions(kind.parts)) {
       for (const std::uint32_t stripRows : {0U, 8U, 21U}) {
         for (const bool planes : {false, true}) {
-          TiffParts parts = kind.parts;
-          parts.compression = compression;
-          parts.stripRows = stripRows;
+          TiffParts parts = Packed(kind.parts, stripRows, compression);
           parts.mode = planes ? "w8b" : "wl";
           parts.planes = planes && parts.samples > 1;
+          parts.colorStep = planes ? 1 : 257;  // some programs write levels of 8 bits
           WriteTiffFile(folder.Path("a"), parts, samples);
           const Loaded loaded = Load(folder.Path("a"));
           ASSERT_EQ(loaded.status.message, "") << kind.what;
           ASSERT_EQ(loaded.image.depth, kind.depth) << kind.what;
+          ASSERT_EQ(Hex(loaded.image.palette), palette) << kind.what;
           ASSERT_EQ(loaded.rows, rows) << kind.what << ", compression " << compression << ", " << stripRows
                                        << " rows a strip, " << parts.mode;
         }
       }
     }
-  }
-}
-
-TEST(ReadTiff, GivesTheColoursOfPalettesAndRamps) {
-  const Folder folder;
-  for (const Kind& kind : kKinds) {
-    WriteTiffFile(folder.Path("a"), kind.parts, Scrambled(kind.parts));
-    const std::vector<IRGB> palette = Load(folder.Path("a")).image.palette;
-    std::vector<IRGB> expected = kind.depth == 24 ? std::vector<IRGB>{} : pipeline::GrayRamp(kind.depth);
-    for (std::size_t i = 0; kind.parts.photometric == PHOTOMETRIC_PALETTE && i < expected.size(); ++i) {
-      const auto level = [](std::size_t v) { return static_cast<std::uint8_t>(v); };
-      expected[i] = {level(7 * i), level(255 - i), level(i)};
-    }
-    EXPECT_EQ(Hex(palette), Hex(expected)) << kind.what;
   }
 }
 
@@ -180,10 +174,10 @@ TEST(ReadTiff, ReadsJpegInside) {
 
 struct Refused {
   const char* what;
-  TiffParts parts;
-  std::int32_t page;
-  Code code;
   const char* says;
+  TiffParts parts;
+  Code code = Code::Input;
+  std::int32_t page = 0;
 };
 
 TiffParts With(TiffParts parts, int tag, int value) {
@@ -199,81 +193,72 @@ TiffParts Pages(int pages) {
 }
 
 const Refused kRefused[] = {
-    {"32 bits", Of(32, 1, PHOTOMETRIC_MINISBLACK), 0, Code::Input, "32 bits"},
-    {"3 bits", Of(3, 1, PHOTOMETRIC_PALETTE), 0, Code::Input, "3 bits"},
-    {"4-bit RGB", Of(4, 3, PHOTOMETRIC_RGB), 0, Code::Input, "4 bits"},
-    {"floats", With(Of(16, 1, PHOTOMETRIC_MINISBLACK), TIFFTAG_SAMPLEFORMAT, SAMPLEFORMAT_IEEEFP), 0, Code::Input,
-     "no whole numbers"},
-    {"CMYK", Of(8, 4, PHOTOMETRIC_SEPARATED), 0, Code::Input, "CMYK"},
-    {"Lab", Of(8, 3, PHOTOMETRIC_CIELAB), 0, Code::Input, "Lab"},
-    {"mask", Of(1, 1, PHOTOMETRIC_MASK), 0, Code::Input, "no gray, index or RGB"},
-    {"YCbCr", Of(8, 3, PHOTOMETRIC_YCBCR), 0, Code::Input, "YCbCr"},
-    {"RGB of two samples", Of(8, 2, PHOTOMETRIC_RGB), 0, Code::Input, "2 samples"},
-    {"index with alpha", Of(8, 2, PHOTOMETRIC_PALETTE, {kUnassociated}), 0, Code::Input, "transparency"},
-    {"turned", With(Of(8, 1, PHOTOMETRIC_MINISBLACK), TIFFTAG_ORIENTATION, ORIENTATION_RIGHTTOP), 0, Code::Input,
-     "upright"},
-    {"three pages", Pages(3), 0, Code::Usage, "the file has 3 pages (choose one with --page)"},
-    {"fourth of three", Pages(3), 4, Code::Usage, "the file has 3 pages"},
-    {"second of one", Pages(1), 2, Code::Usage, "the file has 1 page "}};
+    {"32 bits", "32 bits", Of(32, 1, PHOTOMETRIC_MINISBLACK)},
+    {"3 bits", "3 bits", Of(3, 1, PHOTOMETRIC_PALETTE)},
+    {"4-bit RGB", "4 bits", Of(4, 3, PHOTOMETRIC_RGB)},
+    {"floats", "no whole numbers",
+     With(Of(16, 1, PHOTOMETRIC_MINISBLACK), TIFFTAG_SAMPLEFORMAT, SAMPLEFORMAT_IEEEFP)},
+    {"CMYK", "CMYK", Of(8, 4, PHOTOMETRIC_SEPARATED)},
+    {"Lab", "Lab", Of(8, 3, PHOTOMETRIC_CIELAB)},
+    {"mask", "no gray, index or RGB", Of(1, 1, PHOTOMETRIC_MASK)},
+    {"YCbCr", "YCbCr", Of(8, 3, PHOTOMETRIC_YCBCR)},
+    {"RGB of two samples", "2 samples", Of(8, 2, PHOTOMETRIC_RGB)},
+    {"index with alpha", "transparency", Of(8, 2, PHOTOMETRIC_PALETTE, {kUnassociated})},
+    {"turned", "upright", With(Of(8, 1, PHOTOMETRIC_MINISBLACK), TIFFTAG_ORIENTATION, ORIENTATION_RIGHTTOP)},
+    {"three pages", "the file has 3 pages (choose one with --page)", Pages(3), Code::Usage},
+    {"fourth of three", "the file has 3 pages", Pages(3), Code::Usage, 4},
+    {"second of one", "the file has 1 page ", Pages(1), Code::Usage, 2}};
 
 TEST(ReadTiff, SaysWhatItDoesNotRead) {
   const Folder folder;
   for (const Refused& c : kRefused) {
+    SCOPED_TRACE(c.what);
     WriteTiffFile(folder.Path("a"), c.parts, Samples(37 * 21 * 8, 0));
     ReadOptions options;
     options.page = c.page;
-    const pipeline::Status status = Load(folder.Path("a"), options).status;
-    EXPECT_EQ(status.code, c.code) << c.what << ": " << status.message;
-    EXPECT_NE(status.message.find(c.says), std::string::npos) << c.what << ": " << status.message;
-    EXPECT_TRUE(status.message.ends_with(')')) << c.what << ": " << status.message;
+    ExpectRefusal(Load(folder.Path("a"), options).status, c.code, c.says);
   }
 }
 
 TEST(ReadTiff, ReadsThePageThatIsAskedFor) {
   const Folder folder;
-  TIFF* tiff = TIFFOpen(folder.Path("a").c_str(), "w");
-  for (char page = '1'; page <= '3'; ++page) {
-    TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, 1);
-    TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, 1);
-    TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, 8);
-    TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_MINISBLACK);
-    TIFFWriteScanline(tiff, &page, 0, 0);
-    TIFFWriteDirectory(tiff);
-  }
-  TIFFClose(tiff);
+  TiffParts parts;
+  parts.stripRows = 1;
+  parts.pages = 3;
+  WriteTiffFile(folder.Path("a"), parts, {0x31, 0x32, 0x33});
   for (std::int32_t page = 1; page <= 3; ++page) {
     ReadOptions options;
     options.page = page;
     EXPECT_EQ(Load(folder.Path("a"), options).rows, std::vector<std::string>{"3" + std::to_string(page)});
   }
-  const std::string pgm = folder.Write("b", "P5 1 1 255\nA");
-  ReadOptions options;
-  options.page = 1;
-  EXPECT_EQ(Load(pgm, options).status.code, Code::Ok);
-  options.page = 2;
-  EXPECT_EQ(Load(pgm, options).status.code, Code::Usage);
 }
+
+struct Unit {
+  int unit;
+  double x, y;          // as stored
+  double readX, readY;  // an inch
+};
+constexpr Unit kUnits[] = {{RESUNIT_INCH, 100, 50, 100, 50},
+                           {RESUNIT_CENTIMETER, 100, 50, 254, 127},
+                           {RESUNIT_NONE, 100, 50, 0, 0},
+                           {RESUNIT_INCH, 0, 50, 0, 0}};
 
 TEST(ReadTiff, KnowsTheResolutionWhereThereIsAUnit) {
   const Folder folder;
-  const std::pair<int, double> cases[] = {{RESUNIT_INCH, 100}, {RESUNIT_CENTIMETER, 254}, {RESUNIT_NONE, 0}};
-  for (const auto& [unit, resolution] : cases) {
-    TiffParts parts = With(Of(1, 1, PHOTOMETRIC_MINISWHITE), TIFFTAG_RESOLUTIONUNIT, unit);
+  for (const Unit& c : kUnits) {
+    TiffParts parts = With(Of(1, 1, PHOTOMETRIC_MINISWHITE), TIFFTAG_RESOLUTIONUNIT, c.unit);
+    parts.x = c.x;
+    parts.y = c.y;
     WriteTiffFile(folder.Path("a"), parts, Scrambled(parts));
-    EXPECT_EQ(Load(folder.Path("a")).image.resolution.x, 0);
-    TIFF* tiff = TIFFOpen(folder.Path("a").c_str(), "r+");
-    TIFFSetField(tiff, TIFFTAG_XRESOLUTION, 100.0);
-    TIFFSetField(tiff, TIFFTAG_YRESOLUTION, 50.0);
-    TIFFRewriteDirectory(tiff);
-    TIFFClose(tiff);
-    const Loaded loaded = Load(folder.Path("a"));
-    EXPECT_DOUBLE_EQ(loaded.image.resolution.x, resolution);
-    EXPECT_DOUBLE_EQ(loaded.image.resolution.y, resolution / 2);
+    const pipeline::Resolution resolution = Load(folder.Path("a")).image.resolution;
+    EXPECT_DOUBLE_EQ(resolution.x, c.readX) << "unit " << c.unit;
+    EXPECT_DOUBLE_EQ(resolution.y, c.readY) << "unit " << c.unit;
   }
 }
 
-TEST(ReadTiff, ReadsFromAPipe) {
+TEST(ReadTiff, ReadsFromAPipeAndLeavesNothingAside) {
   const Folder folder;
+  const Folder aside;
   const TiffParts parts = Pages(1);
   WriteTiffFile(folder.Path("a"), parts, Scrambled(parts));
   const std::string file = folder.Read("a");
@@ -281,43 +266,31 @@ TEST(ReadTiff, ReadsFromAPipe) {
   ASSERT_EQ(::pipe(ends), 0);
   ASSERT_EQ(::write(ends[1], file.data(), file.size()), static_cast<ssize_t>(file.size()));
   ::close(ends[1]);
+  ::setenv("TMPDIR", aside.path.c_str(), 1);
   EXPECT_EQ(Load("/proc/self/fd/" + std::to_string(ends[0])).rows, Load(folder.Path("a")).rows);
+  ::unsetenv("TMPDIR");
   ::close(ends[0]);
+  EXPECT_TRUE(aside.Names().empty());
 }
 
 struct Budget {
-  const char* what;
   TiffParts parts;
   std::int64_t bytes;  // that suffice; one less does not
 };
 
-TiffParts Packed(TiffParts parts, std::uint32_t stripRows, int compression) {
-  parts.stripRows = stripRows;
-  parts.compression = compression;
-  return parts;
-}
+// Three tiles across and one in work; a strip as it is stored: of two rows, each with a byte for its length.
+const Budget kBudgets[] = {{Of(8, 1, PHOTOMETRIC_MINISBLACK), 4 * 256},
+                           {Packed(Of(8, 1, PHOTOMETRIC_MINISBLACK), 2, COMPRESSION_PACKBITS), 2 * 38}};
 
 TEST(ReadTiff, HoldsNoMoreThanTheBudget) {
   const Folder folder;
-  // Three tiles across and one in work; two rows of packets; a strip that must not be larger than the file.
-  const Budget budgets[] = {{"tiles", Of(8, 1, PHOTOMETRIC_MINISBLACK), 4 * 256},
-                            {"strips", Packed(Of(8, 1, PHOTOMETRIC_MINISBLACK), 2, COMPRESSION_PACKBITS), 0}};
-  for (Budget budget : budgets) {
+  for (const Budget& budget : kBudgets) {
     WriteTiffFile(folder.Path("a"), budget.parts, Scrambled(budget.parts));
-    if (budget.bytes == 0) {
-      TIFF* tiff = TIFFOpen(folder.Path("a").c_str(), "r");
-      for (std::uint32_t i = 0; i < TIFFNumberOfStrips(tiff); ++i) {
-        budget.bytes = std::max(budget.bytes, static_cast<std::int64_t>(TIFFGetStrileByteCount(tiff, i)));
-      }
-      TIFFClose(tiff);
-    }
     ReadOptions options;
     options.maxBufferBytes = budget.bytes;
-    EXPECT_EQ(Load(folder.Path("a"), options).status.message, "") << budget.what;
-    options.maxBufferBytes = budget.bytes - 1;
-    const pipeline::Status status = Load(folder.Path("a"), options).status;
-    EXPECT_EQ(status.code, Code::Limit) << budget.what;
-    EXPECT_NE(status.message.find("--max-memory"), std::string::npos) << status.message;
+    EXPECT_EQ(Load(folder.Path("a"), options).status.message, "");
+    --options.maxBufferBytes;
+    ExpectRefusal(Load(folder.Path("a"), options).status, Code::Limit, "--max-memory");
   }
 }
 
@@ -335,16 +308,12 @@ TEST(ReadTiff, DamageEndsInOneClearLineAtWorst) {
     const std::string file = folder.Read("a");
     ASSERT_EQ(Load(folder.Path("a")).status.message, "");
     for (std::size_t at = 0; at < file.size(); at += 1 + file.size() / 300) {
+      SCOPED_TRACE(std::to_string(at) + " bytes of compression " + std::to_string(parts.compression));
       const pipeline::Status cut = Load(folder.Write("b", file.substr(0, at))).status;
       const bool whole = at + 4 >= file.size();  // but for where there would be a second page
-      EXPECT_TRUE(cut.code == Code::Input || whole) << at << " bytes of compression " << parts.compression;
-      for (const char flip : {'\x41', '\xff'}) {
-        std::string changed = file;
-        changed[at] = static_cast<char>(changed[at] ^ flip);
-        const pipeline::Status status = Load(folder.Write("b", changed)).status;
-        if (!Failed(status)) continue;
-        EXPECT_TRUE(status.message.ends_with(')')) << status.message;
-        EXPECT_EQ(status.message.find('\n'), std::string::npos) << status.message;
+      if (!whole) ExpectRefusal(cut, Code::Input, "");
+      for (const int bits : {0x41, 0xff}) {
+        ExpectSuccessOrOneClearLine(Load(folder.Write("b", Changed(file, at, bits))).status);
       }
     }
   }

@@ -8,26 +8,11 @@ namespace {
 
 constexpr std::uint32_t kTile = 16;
 
-// One row of a strip or tile: `count` samples from `from`, `step` apart, words in the order of this machine.
-std::vector<std::uint8_t> Row(const TiffParts& parts, const std::uint16_t* from, std::size_t count,
-                              std::size_t step) {
-  std::vector<std::uint8_t> row;
-  std::uint32_t held = 0;
-  int bits = 0;
-  for (std::size_t i = 0; i < count; ++i) {
-    const std::uint16_t value = from[i * step];
-    if (parts.bits >= 16) {
-      const auto* bytes = reinterpret_cast<const std::uint8_t*>(&value);
-      row.insert(row.end(), bytes, bytes + 2);
-      continue;
-    }
-    held = held << parts.bits | value;
-    bits += parts.bits;
-    for (; bits >= 8; bits -= 8) row.push_back(static_cast<std::uint8_t>(held >> (bits - 8)));
-  }
-  if (bits > 0) row.push_back(static_cast<std::uint8_t>(held << (8 - bits)));
-  row.resize(row.size() * static_cast<std::size_t>(std::max(1, parts.bits / 16)));  // samples of 32 bits: room
-  return row;
+// One row of a strip or tile: `count` samples from `from`, `step` apart.
+std::string Row(const TiffParts& parts, const std::uint16_t* from, std::size_t count, std::size_t step) {
+  Samples samples;
+  for (std::size_t i = 0; i < count; ++i) samples.push_back(from[i * step]);
+  return PackedBits(samples, parts.bits) + std::string(parts.bits > 16 ? count * 2 : 0, '\0');
 }
 
 void SetTags(TIFF* tiff, const TiffParts& parts) {
@@ -41,6 +26,8 @@ void SetTags(TIFF* tiff, const TiffParts& parts) {
   if (!parts.extra.empty()) TIFFSetField(tiff, TIFFTAG_EXTRASAMPLES, parts.extra.size(), parts.extra.data());
   if (parts.compression == COMPRESSION_JPEG) TIFFSetField(tiff, TIFFTAG_JPEGCOLORMODE, JPEGCOLORMODE_RGB);
   for (const auto& [tag, value] : parts.tags) TIFFSetField(tiff, static_cast<std::uint32_t>(tag), value);
+  if (parts.x != 0) TIFFSetField(tiff, TIFFTAG_XRESOLUTION, parts.x);
+  if (parts.y != 0) TIFFSetField(tiff, TIFFTAG_YRESOLUTION, parts.y);
   if (parts.stripRows != 0) {
     TIFFSetField(tiff, TIFFTAG_ROWSPERSTRIP, parts.stripRows);
   } else {
@@ -50,36 +37,35 @@ void SetTags(TIFF* tiff, const TiffParts& parts) {
   if (parts.photometric != PHOTOMETRIC_PALETTE || parts.bits > 8) return;
   std::uint16_t red[256], green[256], blue[256];
   for (int i = 0; i < 256; ++i) {
-    red[i] = static_cast<std::uint16_t>(7 * i % 256 * 257);
-    green[i] = static_cast<std::uint16_t>((255 - i) * 257);
-    blue[i] = static_cast<std::uint16_t>(i * 257);
+    red[i] = static_cast<std::uint16_t>(7 * i % 256 * parts.colorStep);
+    green[i] = static_cast<std::uint16_t>((255 - i) * parts.colorStep);
+    blue[i] = static_cast<std::uint16_t>(i * parts.colorStep);
   }
   TIFFSetField(tiff, TIFFTAG_COLORMAP, red, green, blue);
 }
 
-void WriteTile(TIFF* tiff, const TiffParts& parts, const Samples& samples, std::uint32_t left, std::uint32_t top,
-               std::uint16_t plane) {
+void WriteTile(TIFF* tiff, const TiffParts& parts, const std::uint16_t* samples, std::uint32_t left,
+               std::uint32_t top, std::uint16_t plane) {
   const auto perPixel = static_cast<std::size_t>(parts.samples);
-  std::vector<std::uint8_t> tile;
+  std::string tile;
   for (std::uint32_t y = top; y < top + kTile; ++y) {
     Samples row;  // pixels outside of the image repeat its last ones
     for (std::uint32_t x = left; x < left + kTile; ++x) {
       const std::size_t at = std::min(y, parts.height - 1) * parts.width + std::min(x, parts.width - 1);
-      const std::uint16_t* pixel = samples.data() + at * perPixel;
+      const std::uint16_t* pixel = samples + at * perPixel;
       row.insert(row.end(), parts.planes ? pixel + plane : pixel,
                  parts.planes ? pixel + plane + 1 : pixel + perPixel);
     }
-    const std::vector<std::uint8_t> bytes = Row(parts, row.data(), row.size(), 1);
-    tile.insert(tile.end(), bytes.begin(), bytes.end());
+    tile += Row(parts, row.data(), row.size(), 1);
   }
   TIFFWriteTile(tiff, tile.data(), left, top, 0, plane);
 }
 
-void WritePlane(TIFF* tiff, const TiffParts& parts, const Samples& samples, std::uint16_t plane) {
+void WritePlane(TIFF* tiff, const TiffParts& parts, const std::uint16_t* samples, std::uint16_t plane) {
   const auto perPixel = static_cast<std::size_t>(parts.samples);
   for (std::uint32_t y = 0; y < parts.height; ++y) {
-    const std::uint16_t* from = samples.data() + y * parts.width * perPixel + plane;
-    std::vector<std::uint8_t> row =
+    const std::uint16_t* from = samples + y * parts.width * perPixel + plane;
+    std::string row =
         parts.planes ? Row(parts, from, parts.width, perPixel) : Row(parts, from, parts.width * perPixel, 1);
     if (parts.stripRows != 0) TIFFWriteScanline(tiff, row.data(), y, plane);
     for (std::uint32_t x = 0; parts.stripRows == 0 && y % kTile == 0 && x < parts.width; x += kTile) {
@@ -92,14 +78,33 @@ void WritePlane(TIFF* tiff, const TiffParts& parts, const Samples& samples, std:
 
 void WriteTiffFile(const std::string& path, const TiffParts& parts, const Samples& samples) {
   TIFF* tiff = TIFFOpen(path.c_str(), parts.mode);
+  const std::uint16_t* from = samples.data();
   for (int page = 0; page < parts.pages; ++page) {
     SetTags(tiff, parts);
     for (int plane = 0; plane < (parts.planes ? parts.samples : 1); ++plane) {
-      WritePlane(tiff, parts, samples, static_cast<std::uint16_t>(plane));
+      WritePlane(tiff, parts, from, static_cast<std::uint16_t>(plane));
     }
     TIFFWriteDirectory(tiff);
+    from += std::size_t{parts.width} * parts.height * static_cast<std::size_t>(parts.samples);
   }
   TIFFClose(tiff);
+}
+
+std::string PackedBits(const Samples& samples, int bits) {
+  if (bits >= 16) return {reinterpret_cast<const char*>(samples.data()), samples.size() * 2};
+  std::string bytes;
+  std::uint32_t held = 1;  // the leading one tells how many bits there are
+  for (const std::uint16_t sample : samples) {
+    for (int bit = bits - 1; bit >= 0; --bit) {
+      held = held << 1 | (sample >> bit & 1U);
+      if (held < 256) continue;
+      bytes += static_cast<char>(held);
+      held = 1;
+    }
+  }
+  while (held != 1 && held < 256) held <<= 1;
+  if (held != 1) bytes += static_cast<char>(held);
+  return bytes;
 }
 
 Samples Scrambled(const TiffParts& parts) {

@@ -15,6 +15,7 @@ const std::vector<IRGB> kInkFirst = Colors("000000 ffffff");
 const std::vector<IRGB> kPaperFirst = Colors("ffffff 000000");
 const std::vector<IRGB> kFlag = Colors("ff0000 ffffff 0000ff");
 const std::vector<IRGB> kThreeGrays = Colors("808080 0a0a0a ffffff");
+const std::vector<IRGB> kBlackAndRed = Colors("000000 ff0000");
 const std::vector<IRGB> kOneColor = Colors("123456");
 const std::vector<IRGB> kRamp[] = {{}, GrayRamp(1), GrayRamp(2), GrayRamp(3), GrayRamp(4),
                                    {}, {},          {},          GrayRamp(8)};
@@ -51,22 +52,45 @@ const PnmCase kPnmCases[] = {
 TEST(WritePnm, WritesExactlyTheseBytes) {
   const Folder folder;
   for (const PnmCase& c : kPnmCases) {
-    const WriteOptions options{c.format, Existing::Replace};
+    SCOPED_TRACE(c.what);
     const Image image{c.width, 1, c.depth, *c.palette};
-    ASSERT_EQ(Save(folder.Path("a"), options, image, {c.row}).message, "") << c.what;
-    EXPECT_EQ(Hex(folder.Read("a")), Hex(c.header) + c.data) << c.what;
+    ASSERT_EQ(Save(folder.Path("a"), {c.format, Existing::Replace}, image, {c.row}).message, "");
+    EXPECT_EQ(Hex(folder.Read("a")), Hex(c.header) + c.data);
   }
 }
 
-TEST(WritePnm, RefusesColoursThatTheFormatLacks) {
+struct Refused {
+  const char* name;
+  Image image;
+  Compression compression = Compression::Default;
+};
+
+const Refused kRefused[] = {{"a.pbm", {1, 1, 1, kBlackAndRed}},
+                            {"a.pbm", {1, 1, 2, GrayRamp(2)}},
+                            {"a.pbm", {1, 1, 24}},
+                            {"a.pbm", {1, 1, 1, Colors("000000")}},
+                            {"a.pbm", {1, 1, 1, Colors("000000 000000")}},
+                            {"a.pgm", {1, 1, 1, kBlackAndRed}},
+                            {"a.pgm", {1, 1, 24}},
+                            {"a.png", {1, 1, 15}},
+                            {"a.ppm", {1, 1, 16}},
+                            {"a.pam", {1, 1, 32}},
+                            {"a.tif", {1, 1, 16}},
+                            {"a.tif", {1, 1, 8, GrayRamp(8)}, Compression::G4},
+                            {"a.tif", {1, 1, 1, kBlackAndRed}, Compression::G4},
+                            {"a.tif", {1, 1, 24}, Compression::G4},
+                            {"a.tif", {1, 1, 1, Colors("000000")}, Compression::G4},
+                            {"a.png", {1, 1, 1, GrayRamp(1)}, Compression::Lzw},
+                            {"a.pbm", {1, 1, 1, GrayRamp(1)}, Compression::Lzw},
+                            {"a.raw", {1, 1, 1, GrayRamp(1)}, Compression::Lzw}};
+
+TEST(Write, RefusesWhatTheFormatLacks) {
   const Folder folder;
-  const std::vector<IRGB> red = Colors("000000 ff0000");
-  for (const Image& image : {Image{1, 1, 1, red}, Image{1, 1, 2, GrayRamp(2)}, Image{1, 1, 24, {}},
-                             Image{1, 1, 1, Colors("000000")}, Image{1, 1, 1, Colors("000000 000000")}}) {
-    EXPECT_EQ(Save(folder.Path("a.pbm"), {}, image, {"000000"}).code, Code::Usage);
-  }
-  for (const Image& image : {Image{1, 1, 1, red}, Image{1, 1, 24, {}}}) {
-    EXPECT_EQ(Save(folder.Path("a.pgm"), {}, image, {"000000"}).code, Code::Usage);
+  for (const Refused& c : kRefused) {
+    WriteOptions options;
+    options.compression = c.compression;
+    EXPECT_EQ(Save(folder.Path(c.name), options, c.image, {"00000000"}).code, Code::Usage)
+        << c.name << " of " << c.image.depth << " bits";
   }
   EXPECT_TRUE(folder.Names().empty());
 }
@@ -105,16 +129,15 @@ std::string ChunkNames(const std::string& png) {
 TEST(WritePng, KeepsDepthPaletteAndPixels) {
   const Folder folder;
   for (const PngCase& c : kPngCases) {
-    const WriteOptions options{Format::Png, Existing::Replace};
+    SCOPED_TRACE(c.what);
     const Image image{c.width, 1, c.depth, *c.palette};
-    ASSERT_EQ(Save(folder.Path("a"), options, image, {c.row}).message, "") << c.what;
+    ASSERT_EQ(Save(folder.Path("a"), {Format::Png, Existing::Replace}, image, {c.row}).message, "");
     const std::string file = folder.Read("a");
-    EXPECT_EQ(Hex(file.substr(24, 2)), c.kind) << c.what;
-    EXPECT_EQ(ChunkNames(file), std::string(c.kind).ends_with("3") ? "IHDRPLTEIDATIEND" : "IHDRIDATIEND")
-        << c.what;
+    EXPECT_EQ(Hex(file.substr(24, 2)), c.kind);
+    EXPECT_EQ(ChunkNames(file), std::string(c.kind).ends_with("3") ? "IHDRPLTEIDATIEND" : "IHDRIDATIEND");
     const Loaded loaded = Load(folder.Path("a"));
-    EXPECT_EQ(loaded.rows, std::vector<std::string>{c.row}) << c.what;
-    EXPECT_EQ(Hex(loaded.image.palette), Hex(*c.palette)) << c.what;
+    EXPECT_EQ(loaded.rows, std::vector<std::string>{c.row});
+    EXPECT_EQ(Hex(loaded.image.palette), Hex(*c.palette));
   }
 }
 
@@ -134,22 +157,27 @@ const Dots kDots[] = {{"no resolution", "", 0, 0},
 TEST(RoundTrip, APngKeepsItsPixelsAMetreExactly) {
   const Folder folder;
   for (const Dots& c : kDots) {
+    SCOPED_TRACE(c.what);
     const std::string chunk = *c.stored == 0 ? "" : Chunk("pHYs", Bytes(c.stored));
     const Image image = Load(folder.Write("a", Png({1, 1, 8, 0, chunk, Bytes("0041")}))).image;
-    EXPECT_NEAR(image.resolution.x, c.x, 1e-6) << c.what;
-    EXPECT_NEAR(image.resolution.y, c.y, 1e-6) << c.what;
-    ASSERT_EQ(Save(folder.Path("b"), {Format::Png, Existing::Replace}, image, {"41"}).message, "") << c.what;
+    EXPECT_NEAR(image.resolution.x, c.x, 1e-6);
+    EXPECT_NEAR(image.resolution.y, c.y, 1e-6);
+    ASSERT_EQ(Save(folder.Path("b"), {Format::Png, Existing::Replace}, image, {"41"}).message, "");
     const bool told = c.x != 0 && c.y != 0;
-    EXPECT_EQ(ChunkNames(folder.Read("b")), told ? "IHDRpHYsIDATIEND" : "IHDRIDATIEND") << c.what;
-    EXPECT_EQ(told, told && folder.Read("b").find(chunk) != std::string::npos) << c.what;
+    EXPECT_EQ(ChunkNames(folder.Read("b")), told ? "IHDRpHYsIDATIEND" : "IHDRIDATIEND");
+    EXPECT_EQ(told, told && folder.Read("b").find(chunk) != std::string::npos);
   }
 }
 
-TEST(WritePng, BitsPastTheWidthDoNotChangeTheFile) {
+TEST(Write, BitsPastTheWidthDoNotChangeTheFile) {
   const Folder folder;
-  ASSERT_EQ(Save(folder.Path("a.png"), {}, {9, 1, 1, kInkFirst}, {"a580"}).message, "");
-  ASSERT_EQ(Save(folder.Path("b.png"), {}, {9, 1, 1, kInkFirst}, {"a5ff"}).message, "");
-  EXPECT_EQ(folder.Read("a.png"), folder.Read("b.png"));
+  for (const Format format : WrittenFormats()) {
+    const WriteOptions options{format, Existing::Replace};
+    ASSERT_EQ(Save(folder.Path("a"), options, {9, 1, 1, kInkFirst}, {"a580"}).message, "");
+    const std::string file = folder.Read("a");
+    ASSERT_EQ(Save(folder.Path("a"), options, {9, 1, 1, kInkFirst}, {"a5ff"}).message, "");
+    EXPECT_EQ(Hex(folder.Read("a")), Hex(file));
+  }
 }
 
 // Odd widths at every depth, with pixels that all differ from their neighbours.
@@ -159,13 +187,11 @@ TEST(RoundTrip, EveryDepthAndWidthComesBack) {
     for (const int width : {1, 3, 4, 5, 7, 8, 9, 17}) {
       const Image image{width, 3, depth, GrayRamp(depth)};
       std::vector<std::string> rows;
-      for (int y = 0; y < 3; ++y) {
-        std::string row(pipeline::RowBytes(image), '\0');
-        for (int x = 0; x < width; ++x) {
-          const int value = (x * 7 + y * 3 + 1) & ((1 << depth) - 1);
-          char& byte = row[static_cast<std::size_t>(x * depth / 8)];
-          byte = static_cast<char>(byte | value << (8 - depth - x * depth % 8));
-        }
+      for (std::size_t y = 0; y < 3; ++y) {
+        std::string row;
+        for (std::size_t i = 0; i < pipeline::RowBytes(image); ++i)
+          row += static_cast<char>(0xb1 + 75 * i * i + y);
+        row.back() = static_cast<char>(row.back() & 0xff00 >> ((width * depth - 1) % 8 + 1));
         rows.push_back(Hex(row));
       }
       for (const Format format : {Format::Png, Format::Pgm, Format::Pnm, Format::Pam}) {
