@@ -124,7 +124,7 @@ const OptionRow kConvertOptions[] = {
     {"Running", "--max-pixels", "N", "refuse larger inputs; default 2147483647",
      Number{&Arguments::maxPixels, 1, kMostPixels}},
     {"Running", "--max-memory", "MIB",
-     "for images that must be held whole or in large parts (interlaced, progressive, tiled); default 256",
+     "for images that must be held whole or in large parts (interlaced, progressive, tiled, overlays); default 256",
      Number{&Arguments::maxMemory, 1, kMostMebibytes}},
     {"Running", "-q", "", "no progress", Switch{&Arguments::quiet}},
     {"Running", "-v", "", "tell what was made of each image", Switch{&Arguments::verbose}}};

@@ -78,9 +78,15 @@ Outcome ChooseTransparent(const PixelWish& wish, Overlay* overlay) {
                                     " (give 0 to " + std::to_string(colors - 1) + ")");
 }
 
-Status ReadRows(RowSource& source, Overlay* overlay) {
+Status ReadRows(RowSource& source, std::int64_t mostBytes, Overlay* overlay) {
   const std::size_t rowBytes = pipeline::RowBytes(source.image);
-  overlay->rows.resize(rowBytes * static_cast<std::size_t>(source.image.height));
+  const auto height = static_cast<std::size_t>(source.image.height);
+  if (height > static_cast<std::uint64_t>(mostBytes) / rowBytes) {
+    return pipeline::Fail(pipeline::Code::Limit, "the overlay needs more memory than the " +
+                                                     std::to_string(mostBytes >> 20) +
+                                                     " MiB allowed (raise it with --max-memory)");
+  }
+  overlay->rows.resize(rowBytes * height);
   for (std::size_t at = 0; at < overlay->rows.size(); at += rowBytes) {
     if (Status failed = source.read(overlay->rows.data() + at); pipeline::Failed(failed)) return failed;
   }
@@ -114,7 +120,7 @@ Outcome Read(const Arguments& arguments, const Place& place, Extent output, Over
   if (arguments.transparent) {
     if (Outcome failed = ChooseTransparent(*arguments.transparent, overlay); Failed(failed)) return failed;
   }
-  Status status = ReadRows(source, overlay);
+  Status status = ReadRows(source, ReadingOptions(arguments).maxBufferBytes, overlay);
   if (pipeline::Failed(status)) return {status, SourceName(place.file)};
   if (arguments.transparent && arguments.transparent->index < 0) JoinTransparent(overlay);
   return Done();

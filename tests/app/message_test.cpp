@@ -40,6 +40,7 @@ constexpr Refusal kRefusals[] = {
     {"gray o.png --overlay dots+1", 3, "r2r: dots+1: "},
     {"gray o.png --overlay +1+0", 3, "r2r: +1+0: "},
     {"gray o.png --size 4x4 --overlay short", 3, "r2r: short: "},
+    {"gray o.png --size 1024x1025 --overlay large --max-memory 1", 4, "r2r: large: the overlay needs"},
     {"gray o.png --palette foo", 2, "r2r: --palette: 'foo'"},
     {"gray o.png --palette '#fff,'", 2, "r2r: --palette: ''"},
     {"gray o.png --palette '#fff,#00000g'", 2, "r2r: --palette: '#00000g'"},
@@ -123,6 +124,7 @@ TEST(Message, IsOneLineWithItsExitStatusAndLeavesNoFile) {
   place.Write("short", "P2 2 3 255  1 2 3");
   place.Write("wide", "P4 900000 1\n" + std::string(112500, 'a'));
   place.Write("color.png", place.Shell("\"$R2R\" convert color - --format png").out);
+  place.Write("large", "P5 1024 1025 255 " + std::string(1024 * 1025, 'a'));
   place.Write("empty", "");
   place.Write("bad.hex", "ffffff\nfffff\n");
   const std::vector<std::string> before = place.Names();
