@@ -44,15 +44,9 @@ Enum Given(const std::optional<std::int64_t>& choice, Enum otherwise) {
   return choice ? static_cast<Enum>(*choice) : otherwise;
 }
 
-// The size of what is to be scaled.
-Extent Clipped(const Settings& settings, const Image& image) {
-  if (settings.crop.width == 0) return {image.width, image.height};
-  return {settings.crop.width, settings.crop.height};
-}
-
 void ChooseGeometry(const Arguments& arguments, const Image& image, bool gray, Settings* settings) {
   settings->crop = arguments.crop.value_or(pipeline::Crop{});
-  const Extent from = Clipped(*settings, image);
+  const Extent from = Clipped(arguments.crop, {image.width, image.height});
   const Extent to = arguments.size ? NewSize(*arguments.size, from) : from;
   settings->width = to.width;
   settings->height = to.height;
@@ -62,8 +56,8 @@ void ChooseGeometry(const Arguments& arguments, const Image& image, bool gray, S
 }
 
 // Whether scaling or the tone curve make colours that the image does not have.
-bool Mixes(const Settings& settings, const Image& image) {
-  const Extent from = Clipped(settings, image);
+bool Mixes(const Arguments& arguments, const Settings& settings, const Image& image) {
+  const Extent from = Clipped(arguments.crop, {image.width, image.height});
   const bool shrinks = settings.width < from.width || settings.height < from.height;
   const bool grows = settings.width > from.width || settings.height > from.height;
   return (shrinks && settings.reduce == Reduce::Smooth) || (grows && settings.enlarge == Enlarge::Smooth) ||
@@ -99,8 +93,7 @@ Colors ChooseColors(const Job& job, std::int32_t depth) {
 
 bool HasAll(const std::vector<IRGB>& palette, const std::vector<IRGB>& colors) {
   return std::all_of(colors.begin(), colors.end(), [&palette](IRGB color) {
-    return std::any_of(palette.begin(), palette.end(),
-                       [color](IRGB other) { return imageio::Same(color, other); });
+    return std::find(palette.begin(), palette.end(), color) != palette.end();
   });
 }
 
@@ -198,7 +191,7 @@ Outcome ChooseSettings(const Arguments& arguments, const Wishes& wishes, const I
   const bool gray = imageio::IsGray(image);
   TakeAsGiven(arguments, &settings);
   ChooseGeometry(arguments, image, gray, &settings);
-  const Job job{arguments, wishes.palette, image, format, gray, Mixes(settings, image)};
+  const Job job{arguments, wishes.palette, image, format, gray, Mixes(arguments, settings, image)};
   settings.depth = ChooseDepth(job);
   const Colors colors = ChooseColors(job, settings.depth);
   chosen->adaptive = colors == Colors::Adaptive;

@@ -60,11 +60,6 @@ std::vector<std::string> ValuesOf(std::string_view option) {
   return values;
 }
 
-Extent Clipped(const Arguments& arguments, Extent image) {
-  if (!arguments.crop) return image;
-  return {arguments.crop->width, arguments.crop->height};
-}
-
 bool IsShown(Shown shown, const Arguments& arguments, Extent from, Extent to) {
   switch (shown) {
     case Shown::WithoutPalette:
@@ -135,14 +130,14 @@ std::string Quoted(const std::string& word) {
 }  // namespace
 
 Extent PictureSize(const Arguments& arguments, Extent image) {
-  const Extent from = Clipped(arguments, image);
+  const Extent from = Clipped(arguments.crop, image);
   const std::string fits = SizeThatFits(arguments, from);
   const std::optional<SizeWish> size = fits.empty() ? arguments.size : ParseSize(fits);
   return size ? NewSize(*size, from) : from;
 }
 
 Sheet PlanSheet(const Arguments& arguments, Extent image) {
-  const Extent from = Clipped(arguments, image);
+  const Extent from = Clipped(arguments.crop, image);
   const Extent to = PictureSize(arguments, image);
   Sheet sheet{std::filesystem::path(arguments.operands[0]).filename().string(),
               PlanCell(arguments, from, "original", "original", {}),

@@ -9,7 +9,6 @@
 #include <vector>
 
 #include "app/files.h"
-#include "imageio/palette_kind.h"
 #include "imageio/samples.h"
 
 namespace cvt::app {
@@ -67,8 +66,7 @@ Outcome CheckFits(const Overlay& overlay, Extent output) {
 Outcome ChooseTransparent(const PixelWish& wish, Overlay* overlay) {
   const std::vector<IRGB>& palette = overlay->image.palette;
   const auto colors = static_cast<std::int32_t>(palette.size());
-  const auto found = std::find_if(palette.begin(), palette.end(),
-                                  [&wish](IRGB color) { return imageio::Same(color, wish.color); });
+  const auto found = std::find(palette.begin(), palette.end(), wish.color);
   overlay->transparent = wish.index >= 0 ? wish.index : static_cast<std::int32_t>(found - palette.begin());
   if (overlay->transparent < colors) return Done();
   if (wish.index < 0) {
@@ -99,7 +97,7 @@ void JoinTransparent(Overlay* overlay) {
   const auto transparent = static_cast<std::size_t>(overlay->transparent);
   std::array<std::uint8_t, 256> table = imageio::SameValues();
   for (std::size_t i = 0; i < image.palette.size(); ++i) {
-    if (imageio::Same(image.palette[i], image.palette[transparent])) table[i] = table[transparent];
+    if (image.palette[i] == image.palette[transparent]) table[i] = table[transparent];
   }
   const std::int32_t bits = pipeline::StoredBits(image.depth);
   std::vector<std::uint8_t> pixels(static_cast<std::size_t>(image.width));

@@ -109,6 +109,10 @@ std::optional<Shard> ParseShard(std::string_view word) {
   return index ? std::optional(Shard{*index, *count}) : std::nullopt;
 }
 
+Extent Clipped(const std::optional<pipeline::Crop>& crop, Extent image) {
+  return crop ? Extent{crop->width, crop->height} : image;
+}
+
 Extent NewSize(const SizeWish& wish, Extent image) {
   if (wish.percent > 0) {
     return {Scaled(image.width, wish.percent, 100), Scaled(image.height, wish.percent, 100)};

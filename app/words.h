@@ -53,6 +53,9 @@ struct Extent {
   std::int32_t width, height;
 };
 
+/// The size of what is left of an image to be scaled.
+Extent Clipped(const std::optional<pipeline::Crop>& crop, Extent image);
+
 /// The size that an image gets: one wish keeps the aspect ratio, rounded to the nearest pixel, at least 1.
 Extent NewSize(const SizeWish& wish, Extent image);
 

@@ -45,8 +45,7 @@ bool SameColors(const tagIGFD* source, const tagIGFD* destination) {
   if (!IsIndexed(source)) return true;
   const Palette from = PaletteOf(source), to = PaletteOf(destination);
   if (from.count == 2) return WhiteOf(from) == WhiteOf(to);
-  return std::equal(from.colors, from.colors + from.count, to.colors,
-                    [](IRGB a, IRGB b) { return a.red == b.red && a.green == b.green && a.blue == b.blue; });
+  return std::equal(from.colors, from.colors + from.count, to.colors);
 }
 
 // Makes a context with every field set: the library fills the run arrays only, and what it could not get

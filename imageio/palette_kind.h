@@ -9,8 +9,6 @@ namespace cvt::imageio {
 
 inline bool IsGray(IRGB color) { return color.red == color.green && color.green == color.blue; }
 
-inline bool Same(IRGB a, IRGB b) { return a.red == b.red && a.green == b.green && a.blue == b.blue; }
-
 /// Indexed, with grays only.
 inline bool IsGray(const pipeline::Image& image) {
   return image.depth <= 8 &&
@@ -20,8 +18,7 @@ inline bool IsGray(const pipeline::Image& image) {
 /// Indexed, and the palette is exactly the gray ramp of `depth` bits.
 inline bool IsRamp(const pipeline::Image& image, std::int32_t depth) {
   if (image.depth > 8) return false;
-  const std::vector<IRGB> ramp = pipeline::GrayRamp(depth);
-  return std::equal(ramp.begin(), ramp.end(), image.palette.begin(), image.palette.end(), Same);
+  return image.palette == pipeline::GrayRamp(depth);
 }
 
 /// One bit, black and white in either order.
@@ -30,8 +27,7 @@ inline bool IsBlackAndWhite(const pipeline::Image& image) {
   constexpr IRGB kWhite{255, 255, 255};
   const std::vector<IRGB>& palette = image.palette;
   if (image.depth != 1 || palette.size() != 2) return false;
-  return (Same(palette[0], kBlack) && Same(palette[1], kWhite)) ||
-         (Same(palette[0], kWhite) && Same(palette[1], kBlack));
+  return (palette[0] == kBlack && palette[1] == kWhite) || (palette[0] == kWhite && palette[1] == kBlack);
 }
 
 }  // namespace cvt::imageio

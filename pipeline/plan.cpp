@@ -13,8 +13,6 @@ namespace {
 constexpr std::uint8_t kOrdered = 0;  // neither nearest nor diffusion
 constexpr std::uint8_t kKeepFeatures = 0;
 
-bool SameColor(IRGB a, IRGB b) { return a.red == b.red && a.green == b.green && a.blue == b.blue; }
-
 bool AllGray(const std::vector<IRGB>& colors) { return host::AllGray({colors.data(), colors.size()}); }
 
 IRGB Complement(IRGB color) {
@@ -56,8 +54,7 @@ bool IsRelabelling(const Image& image, const Settings& settings, const std::vect
   if (settings.halftone == Halftone::Nearest && settings.threshold != kMiddleThreshold) return false;
   const IRGB zero = image.palette[0];
   const IRGB one = image.palette[1];
-  return !SameColor(zero, one) && ((SameColor(zero, wanted[0]) && SameColor(one, wanted[1])) ||
-                                   (SameColor(zero, wanted[1]) && SameColor(one, wanted[0])));
+  return zero != one && ((zero == wanted[0] && one == wanted[1]) || (zero == wanted[1] && one == wanted[0]));
 }
 
 // Bands that are enlarged fill their blocks: they must not become deeper after that.

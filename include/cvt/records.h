@@ -23,6 +23,7 @@ struct tagOpList;  // an operation list; only its owner, the host, knows what is
 struct IRGB {
   std::uint8_t red, green, blue;
 };
+constexpr bool operator==(IRGB a, IRGB b) { return a.red == b.red && a.green == b.green && a.blue == b.blue; }
 
 /// A colour that may lie outside 0 to 255, as error diffusion makes them. Red first.
 struct WRGB {

@@ -8,8 +8,6 @@
 #include "host/conversion.h"
 #include "host/tables.h"
 
-constexpr bool operator==(IRGB a, IRGB b) { return a.red == b.red && a.green == b.green && a.blue == b.blue; }
-
 namespace cvt::host {
 
 using Colors = std::vector<IRGB>;
