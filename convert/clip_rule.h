@@ -64,5 +64,13 @@ static_assert(PlaceOf<EndSum::Cut16>({0, 65530, 8, 10}, {0, 0, 8, 9}) == ClipPla
 static_assert(LinesInside({0, 0, 8, 10}, {0, 4, 8, 3}).end == 7 &&
               LinesInside({0, 0, 8, 10}, {0, 4, 8, 3}).complete);
 static_assert(LinesInside({0, 0, 8, 10}, {0, 2, 8, 18}).end == 10);
+// Line 40000 counts as -25536; 32770 as -32766, which lies before line 5.
+static_assert(LinesInside({0, 32770, 8, 10}, {0, 5, 8, 65530}).first == 5);
+static_assert(LinesInside({0, 39995, 8, 30}, {0, 40000, 8, 10}).end == -25526);
+static_assert(LinesInside({0, 39995, 8, 30}, {0, 0, 8, 40000}).end == -25536);
+static_assert(LinesInside({0, 39995, 8, 30}, {0, 10000, 8, 30000}).end == 40000);
+// The end of a band is not cut: it lies behind line 65535, and before the rectangle's.
+static_assert(LinesInside({0, 65530, 8, 10}, {0, 65530, 8, 20}).end == 65540);
+static_assert(LinesInside({0, 65530, 8, 10}, {0, 5, 8, 15}).complete);
 
 }  // namespace cvt

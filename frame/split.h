@@ -44,8 +44,10 @@ constexpr SubBands SplitEvenly(std::uint32_t bandLines, std::uint32_t outBits, s
 }
 
 // Output that is larger than its input by any factor: as many sub-bands as it takes for none to exceed
-// `limit` bytes. None where there is nothing to share out, or where a single line exceeds the limit.
+// `limit` bytes; a band without lines is one without lines. None where lines have no pixels, or where a single
+// line exceeds the limit.
 constexpr SubBands SplitByBytes(std::uint32_t bandLines, std::uint32_t lineBytes, std::uint32_t limit) {
+  if (bandLines == 0) return {1, 0};
   const std::uint32_t total = lineBytes * bandLines;
   if (total == 0 || lineBytes > limit) return {0, 0};
   std::uint32_t count = Low16(total / limit);
@@ -57,7 +59,7 @@ constexpr SubBands SplitByBytes(std::uint32_t bandLines, std::uint32_t lineBytes
 
 static_assert(SplitByBytes(100, 1000, 65000).count == 2 && SplitByBytes(100, 1000, 65000).lines == 50);
 static_assert(SplitByBytes(7, 30000, 65000).count == 6 && SplitByBytes(7, 30000, 65000).lines == 1);
-static_assert(SplitByBytes(1, 65001, 65000).count == 0 && SplitByBytes(0, 8, 65000).count == 0);
+static_assert(SplitByBytes(1, 65001, 65000).count == 0 && SplitByBytes(0, 8, 65000).count == 1);
 
 static_assert(SplitEvenly(10, 4, 1).count == 5 && SplitEvenly(10, 4, 1).lines == 2);
 static_assert(SplitEvenly(7, 16, 8).count == 7 && SplitEvenly(7, 16, 8).lines == 1);

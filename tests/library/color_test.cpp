@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <numeric>
 
 #include "tests/library/color_cases.h"
@@ -75,6 +76,7 @@ struct ClipRow {
 constexpr ClipRow kClips[] = {{"inside, to the last line", 4, 8, 3, 4, 11, 14, "4+10", 0, 0},
                               {"ends where the clip starts", 0, 8, 3, 10, 11, 14, "10+0", 0, 0},
                               {"below", 11, 8, 3, 4, 11, 10, "11+0", 1, 0},
+                              {"above: line 65540 is line 4", 65530, 9, 3, 5, 11, 20, "65530+0", 0, 0},
                               {"starts where the clip ends", 11, 9, 3, 4, 11, 11, "11+0", 1, 0},
                               {"clip within the band", 0, 8, 3, 4, 11, 7, "4+3", 1, 3},
                               {"same lines, fewer columns", 0, 8, 4, 0, 10, 10, "0+10", 1, 10},
@@ -124,6 +126,16 @@ TEST(MonoDither, AnchorsThresholdsAtTheImage) {
   what.ditherHeight = 2;
   EXPECT_EQ(RunColorCase(what, CvtMonochromeDitherByteByte).Args(Call::PackedPixel, 4),
             (Ints{1, 0, 1, 0, 1, 0}));  // columns 1 2 3 0 1 2 of row 1; a tie is black
+}
+
+// 65 rows of 512 bytes, which nearest colour alone would take for a negative number.
+TEST(PlaneOutput, AsksForPlanesOfMoreThan32767Bytes) {
+  for (const char* name : {"CvtMonochromeDitherBitBit", "CvtColorDitherBitBit", "CvtByteRGBPlane"}) {
+    ColorCase what = Packed(1, 1, 4096, 65, {});
+    what.base.bands[0].planes = MemberNamed(name).which.fromPlanes;
+    what.base.script.failAllocAt = 2;  // the band; the cursor is the first
+    EXPECT_EQ(RunColorCase(what, MemberNamed(name).library).Args(Call::CreateOp, 1), Ints{33292}) << name;
+  }
 }
 
 struct ErrorRow {
@@ -188,6 +200,17 @@ TEST(ShortCut, StaysTakenAndThenRefusesFourBits) {
   EXPECT_EQ(outcome.inputs.at(0).at(19), 77);        // the byte that completes the row
   EXPECT_EQ(Pixels(outcome.inputs.at(1)), (Bytes{0x12, 0x30}));
   EXPECT_EQ(outcome.Args(Call::Cube, 1).at(0), 3);  // red stands third
+}
+
+TEST(ShortCut, IsRefusedWhateverTheSettingsBitsAre) {
+  for (const auto& [gamma, invert, gray, taken] :
+       {std::array{0, 0, 0, 1}, {0x100, 0, 0, 0}, {0, 2, 0, 0}, {0, 0, 2, 0}}) {
+    ColorCase what = Packed(8, 8, 1, 1, {});
+    what.base.gammaActive = Word(gamma);
+    what.base.invertMono = Byte(invert);
+    what.base.grayPalette = Byte(gray);
+    EXPECT_EQ(RunColorCase(what, MemberNamed("CvtCanShortCutDiffusion").library).statuses.at(0), taken);
+  }
 }
 
 struct PushCase {

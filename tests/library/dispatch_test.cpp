@@ -73,6 +73,19 @@ TEST(Dispatch, RunsTheRoutineThatIsDue) {
   }
 }
 
+// 32767 + 2147483647 is -2147450882 in 32 bits: the images end at the same column, one is reduced to the other.
+TEST(Dispatch, ComparesEndsIn32Bits) {
+  Case what = PlainCase(false, 8, 8, 1, 1);
+  what.source.options = kSmoothOption;
+  what.source.originX = 32767;
+  what.source.imageWidth = 2147483647;
+  what.destination.imageWidth = -2147450882;
+  what.scaleDownMethod = kDecimate;
+  const Outcome outcome = RunCase(what, Cvtr2r);
+  EXPECT_TRUE(outcome.Calls(Call::IsGray).empty());
+  EXPECT_EQ(outcome.Pieces(), "0+1");
+}
+
 TEST(Dispatch, ReadsTheNextStagesListForEveryComparison) {
   Case what = PlainCase(false, 8, 8, 5, 2);
   what.source.rasterKind = 0;

@@ -26,6 +26,7 @@ const SplitCase kSplits[] = {
     {"direct colour: a line each", "CvtBitRGBPacked", 3, 24, 3, 32, "0+1 1+1 2+1"},
     {"direct colour: pieces of one size", "CvtByteRGBPacked", 8, 24, 10, 32, "0+2 2+2 4+2 6+2 8+2"},
     {"direct colour: planes", "CvtByteRGBPlane", 8, 16, 3, 16, "0+1 1+1 2+1"},
+    {"direct colour: 128 bits are -128", "CvtByteRGBPacked", 8, 113, 1, 0xFF80, "0+1"},
     {"deep direct colour: two halves", "CvtByteRGBPacked", 16, 24, 7, 32, "0+4 4+3"},
     {"deep direct colour: the second may be empty", "CvtByteRGBPacked", 16, 24, 1, 32, "0+1 1+0"},
     {"deepest direct colour: one piece", "CvtByteRGBPacked", 24, 32, 7, 32, "0+7"}};

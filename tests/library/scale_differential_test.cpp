@@ -60,6 +60,11 @@ Case PastTheLastLine() {
   return made;
 }
 
+Case At(std::uint16_t top, Case made) {
+  made.bands[0].top = top;
+  return made;
+}
+
 // Runs of 2800, 63000 and 4200 pixels in a band of 4464: the second one's end passes 65535.
 Case ThreeRuns(bool planes) {
   Case made = Image(planes, 1, 50, 1);
@@ -75,6 +80,8 @@ TEST(ScaleDifferential, SizesAtTheEdges) {
       {"decimated rows beyond 16 bits", downWidth, Decimated(Image(false, 32, 20000, 4)), 17000, 4},
       {"rows of reduced heights beyond 16 bits", downHeight, Image(false, 32, 20000, 4), 20000, 3},
       {"rows of decimated heights beyond 16 bits", downHeight, Decimated(Image(false, 32, 20000, 4)), 20000, 3},
+      {"merged lines without a pixel", downHeight, Image(false, 8, 0, 4), 1, 2},
+      {"merged to line 65535: nothing is written", downHeight, At(65533, Image(false, 8, 2, 1, 2)), 2, 1},
       {"planes compare with 16 bits of the height", kScaleWorkers[2], Image(true, 1, 2, 4, 70000), 2, 70001},
       {"packed pixels with all of it", kScaleWorkers[3], Image(false, 1, 2, 4, 70000), 2, 70001},
       {"enlarged past the last line", upHeight, PastTheLastLine(), 2, 2},
@@ -100,6 +107,20 @@ TEST(ScaleDifferential, SizesAtTheEdges) {
     c.image.linePixels = static_cast<std::size_t>(c.toWidth);
     Compare(c.image, c.scaler);
   }
+}
+
+// They are handed on as they are, or end where they are averaged.
+TEST(ScaleDifferential, BandsWithoutALine) {
+  for (const bool planes : {false, true})
+    for (const Scaler& scaler : kScaleDrivers) {
+      Case empty = Image(planes, 8, 5, 0, 5);
+      const int to = scaler.name.find("Down") == std::string::npos ? 9 : 2;
+      empty.destination.imageWidth = empty.destination.imageHeight = to;
+      empty.capacity = 20;
+      empty.linePixels = 20;
+      Compare(empty, scaler);
+      EXPECT_EQ(RunScale(empty, scaler.library).statuses, (std::vector<std::int16_t>{0})) << scaler.name;
+    }
 }
 
 }  // namespace

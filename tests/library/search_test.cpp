@@ -113,6 +113,10 @@ TEST(Search, OctreeDescendsAndDecides) {
     WRGB listed = {20, 64, 0};
     EXPECT_EQ(CvtSearchOctree(&descriptor, &tree.root, &listed), 0) << count;
   }
+  tree.leaves[7].separator = &tree.plane;
+  tree.plane = {32767, 32767, 32767, 0, 1, 77};
+  WRGB farthest = {32767, 32767, 32767};  // three times 1073676289 is -1073938429: below
+  EXPECT_EQ(CvtSearchOctree(&descriptor, &tree.root, &farthest), 77);
 }
 
 TEST(Search, AgreesWithTheTwins) {

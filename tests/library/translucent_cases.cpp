@@ -20,6 +20,7 @@ Written Write(Writer writer, const TranslucentCase& what) {
   Written result{};
   if (what.plan.planes) {
     tagPlaneData* cursor = RefOpenPlane(reinterpret_cast<tagRasterPlane*>(band));
+    if (what.planeCount != 0) cursor->planeCount = what.planeCount;
     result.count = library ? write(CvtWritePlaneTranslucentLine, cursor) : write(RefTranslucentPlanes, cursor);
   } else {
     tagPackedData* cursor = RefOpenPacked(band);

@@ -26,6 +26,7 @@ struct TranslucentCase {
   std::vector<Painted> line;
   Way way = Way::ByBand;
   std::vector<std::uint8_t> transparent = {};  // none: all values are opaque
+  std::uint32_t planeCount = 0;                // of the cursor; 0: the band's
 };
 TranslucentCase RandomTranslucent(Dice& dice);
 Written Write(Writer writer, const TranslucentCase& what);

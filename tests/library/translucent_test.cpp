@@ -35,6 +35,7 @@ const Row kRows[] = {
     {"behind the last", {kWords, 7, 9, {{1, 1}}}, {0, Bytes(8, 0)}},
     {"above", {kWords, 5, 8, {{1, 1}}}, {0, Bytes(8, 0)}},
     {"below", {kWords, 5, 11, {{1, 1}}}, {0, Bytes(8, 0)}},
+    {"less than no planes", {kPlanes, 0, 0, {{1, 1}}, Way::ByBand, {}, 0xFFFFFFFF}, {1, Bytes(12, 0xA5)}},
     {"planes: behind the last", {kPlanes, 48, 0, {{1, 1}}}, {0, Bytes(12, 0xA5)}},
     // called directly, the column behind the last is the next line's first, and the one before the first its last
     {"no edge on the right", {kWords, 7, 9, {{1, 0x1234}}, Way::Word}, {1, {0, 0, 0, 0, 0x34, 0x12, 0, 0}}},

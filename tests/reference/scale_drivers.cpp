@@ -23,6 +23,7 @@ void RefRoundDepth(tagRasterPacked* band) {
 }
 
 RefSplit RefSplitLines(std::uint32_t rowBytes, std::uint32_t lines, std::uint32_t limit) {
+  if (lines == 0) return {1, 0};
   const std::uint32_t total = rowBytes * lines;
   if (total == 0) return {0, 0};
   std::uint32_t count = total / limit & 0xFFFF;
