@@ -10,7 +10,6 @@
 namespace cvt::imageio::test {
 namespace {
 
-using pipeline::Code;
 using pipeline::GrayRamp;
 using pipeline::Image;
 using pipeline::Layout;
