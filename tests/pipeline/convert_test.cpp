@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <utility>
 
 #include "tests/pipeline/picture.h"
 
@@ -148,8 +149,7 @@ TEST(Convert, PureColorsFindTheirNearestEntry) {
 }
 
 TEST(Convert, TakesValuesThatThePaletteHasNoColorForAsItsFirst) {
-  for (const std::int32_t depth : {2, 3, 5, 8}) {
-    const std::uint32_t values = 1U << StoredBits(depth);
+  for (const auto& [depth, values] : {std::pair{2, 4U}, {3, 16U}, {5, 256U}, {8, 256U}}) {
     Picture picture{{16, 1, StoredBits(depth)}, {}};
     std::vector<std::uint8_t> expected;
     for (std::uint32_t x = 0; x < 16; ++x) {

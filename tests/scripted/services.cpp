@@ -1,4 +1,6 @@
 // Colour services, the pipeline and the procedures that the library is given, as the script says.
+#include <cstring>
+
 #include "tests/scripted/world.h"
 
 namespace cvt::test {
@@ -33,7 +35,8 @@ std::int16_t CVT_CALL ScriptedConvert(tagRasterPacked** band, tagIGFD* source, t
   tagIGFD seen = *source;
   if (const std::int64_t ordinal = here.Identify(source->palette); ordinal > 0) {  // a palette of the library's
     here.handedOn.push_back(here.BytesOf(source->palette));
-    seen.palette = reinterpret_cast<IRGB*>(ordinal);
+    const auto number = static_cast<std::uintptr_t>(ordinal);
+    std::memcpy(&seen.palette, &number, sizeof number);
   }
   here.Note(Call::Convert,
             {here.Identify(*band), static_cast<std::int64_t>(here.handedOn.size()), here.Identify(source),
